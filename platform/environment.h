@@ -1,0 +1,19 @@
+// Environment variables and the names that the user's locale gives to the months.
+#ifndef HITWICK_PLATFORM_ENVIRONMENT_H_
+#define HITWICK_PLATFORM_ENVIRONMENT_H_
+
+#include <string>
+
+namespace platform {
+
+// The value of an environment variable; empty when it is not set.
+std::string EnvironmentVariable(const std::string& name);
+
+// The full and the abbreviated name of a month (1..12) in the locale of the environment, in
+// UTF-8; English in the C locale.
+std::string MonthName(int month);
+std::string MonthAbbreviation(int month);
+
+}  // namespace platform
+
+#endif  // HITWICK_PLATFORM_ENVIRONMENT_H_

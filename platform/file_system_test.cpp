@@ -1,0 +1,216 @@
+#include "platform/file_system.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "platform/service.h"
+#include "tests/fakes/fake_file_system.h"
+#include "tests/fakes/temp_dir.h"
+
+namespace platform {
+namespace {
+
+// What holds for every file system; the parameter tells whether a fake stands in. Files and
+// folders are made beside the interface, below `root_`.
+class FileSystemTest : public testing::TestWithParam<bool> {
+ protected:
+  FileSystemTest() {
+    if (!GetParam()) return;
+    fake_.AddFolder(root_);
+    replacement_ = std::make_unique<Replacement<FileSystem>>(fake_);
+  }
+
+  std::string Path(const std::string& name) const { return JoinPath(root_, name); }
+  void MakeFolder(const std::string& name) {
+    if (GetParam()) {
+      fake_.AddFolder(Path(name));
+    } else {
+      std::filesystem::create_directories(Path(name));
+    }
+  }
+  void MakeFile(const std::string& name, std::string_view content) {
+    if (GetParam()) {
+      fake_.AddFile(Path(name), content);
+    } else {
+      fakes::WriteFile(Path(name), content);
+    }
+  }
+  // Replaces a file in one go; the first error code.
+  int Replace(const std::string& name, std::string_view content) {
+    int error = 0;
+    const auto output = TheFileSystem().CreateOutput(Path(name), &error);
+    if (output == nullptr) return error;
+    error = output->Append(content);
+    return error != 0 ? error : output->Commit();
+  }
+  std::string Content(const std::string& name) const {
+    std::string content;
+    EXPECT_EQ(ReadWholeFile(Path(name), &content), 0);
+    return content;
+  }
+  std::vector<std::string> AllFiles() const { return TheFileSystem().ListFiles(root_, "", ""); }
+
+ private:
+  fakes::ScopedTempDir folder_;
+  fakes::FakeFileSystem fake_;
+  std::unique_ptr<Replacement<FileSystem>> replacement_;
+
+ protected:
+  const std::string root_ = folder_.path();
+};
+
+TEST_P(FileSystemTest, AFolderExistsAndAFileIsNone) {
+  MakeFolder("logs");
+  MakeFile("page", "x");
+  EXPECT_TRUE(TheFileSystem().FolderExists(Path("logs")));
+  EXPECT_FALSE(TheFileSystem().FolderExists(Path("page")));
+  EXPECT_FALSE(TheFileSystem().FolderExists(Path("missing")));
+  EXPECT_FALSE(TheFileSystem().FolderExists(""));
+}
+
+TEST_P(FileSystemTest, ListsFilesByBeginningAndEndInOrder) {
+  MakeFolder("ex.log");
+  for (const char* name : {"ex160107.log", "EX160106.LOG", "ex160108.log.gz", "u_ex160101.log",
+                           "ex160105.txt", "e.log", "ex_1.log"}) {
+    MakeFile(name, "");
+  }
+  EXPECT_EQ(TheFileSystem().ListFiles(root_, "Ex", ".Log"),
+            (std::vector<std::string>{"EX160106.LOG", "ex160107.log", "ex_1.log"}));
+}
+
+TEST_P(FileSystemTest, AMissingFolderListsNothing) {
+  EXPECT_TRUE(TheFileSystem().ListFiles(Path("missing"), "", "").empty());
+}
+
+TEST_P(FileSystemTest, ReadsAFileInPieces) {
+  MakeFile("log", "0123456789");
+  int error = -1;
+  const auto file = TheFileSystem().OpenForReading(Path("log"), &error);
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(error, 0);
+  char buffer[4];
+  std::string content;
+  std::size_t got = 0;
+  while (file->Read(buffer, sizeof buffer, &got) == 0 && got > 0) {
+    EXPECT_LE(got, sizeof buffer);
+    content.append(buffer, got);
+  }
+  EXPECT_EQ(content, "0123456789");
+}
+
+TEST_P(FileSystemTest, AnEmptyFileIsReadAsEmpty) {
+  MakeFile("log", "");
+  EXPECT_EQ(Content("log"), "");
+}
+
+TEST_P(FileSystemTest, BytesAreReadAsTheyAre) {
+  const std::string bytes("a\r\n\0\xFF\x1A\n", 7);
+  MakeFile("log", bytes);
+  EXPECT_EQ(Content("log"), bytes);
+}
+
+TEST_P(FileSystemTest, WhatIsNoFileCannotBeOpened) {
+  MakeFolder("logs");
+  for (const std::string& path : {Path("missing"), Path("logs"), std::string()}) {
+    int error = 0;
+    EXPECT_EQ(TheFileSystem().OpenForReading(path, &error), nullptr) << path;
+    EXPECT_NE(error, 0) << path;
+  }
+  std::string content = "old";
+  EXPECT_NE(ReadWholeFile(Path("missing"), &content), 0);
+  EXPECT_EQ(content, "");
+}
+
+TEST_P(FileSystemTest, ACommittedFileIsInPlace) {
+  EXPECT_EQ(Replace("Jan.htm", "first"), 0);
+  EXPECT_EQ(Content("Jan.htm"), "first");
+  EXPECT_EQ(Replace("Jan.htm", "2"), 0);
+  EXPECT_EQ(Content("Jan.htm"), "2");
+  EXPECT_EQ(AllFiles(), std::vector<std::string>{"Jan.htm"});
+}
+
+TEST_P(FileSystemTest, UntilTheCommitTheOldFileStands) {
+  MakeFile("Jan.htm", "old");
+  int error = 0;
+  const auto output = TheFileSystem().CreateOutput(Path("Jan.htm"), &error);
+  ASSERT_NE(output, nullptr);
+  EXPECT_EQ(output->Append("new "), 0);
+  EXPECT_EQ(output->Append("page"), 0);
+  EXPECT_EQ(Content("Jan.htm"), "old");
+  EXPECT_EQ(output->Commit(), 0);
+  EXPECT_EQ(Content("Jan.htm"), "new page");
+}
+
+TEST_P(FileSystemTest, WithoutACommitNothingIsLeftBehind) {
+  MakeFile("Jan.htm", "old");
+  int error = 0;
+  EXPECT_EQ(TheFileSystem().CreateOutput(Path("Jan.htm"), &error)->Append("new"), 0);
+  EXPECT_EQ(TheFileSystem().CreateOutput(Path("Feb.htm"), &error)->Append("new"), 0);
+  EXPECT_EQ(Content("Jan.htm"), "old");
+  EXPECT_EQ(AllFiles(), std::vector<std::string>{"Jan.htm"});
+}
+
+TEST_P(FileSystemTest, AnEmptyFileCanBeCommitted) {
+  EXPECT_EQ(Replace("empty.csv", ""), 0);
+  EXPECT_EQ(Content("empty.csv"), "");
+}
+
+TEST_P(FileSystemTest, AFileInAMissingFolderCannotBeStarted) {
+  int error = 0;
+  EXPECT_EQ(TheFileSystem().CreateOutput(JoinPath(Path("missing"), "Jan.htm"), &error), nullptr);
+  EXPECT_NE(error, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(FakeAndReal, FileSystemTest, testing::Values(true, false),
+                         [](const auto& suite) { return suite.param ? "Fake" : "Real"; });
+
+TEST(JoinPathTest, JoinsThePartsAsTheyStand) {
+  const std::string separator(1, kPathSeparator);
+  EXPECT_EQ(JoinPath("folder", "name"), "folder" + separator + "name");
+  EXPECT_EQ(JoinPath("", "name"), separator + "name");
+  EXPECT_EQ(JoinPath("folder" + separator, "name"), "folder" + separator + separator + "name");
+}
+
+class FailingFilesTest : public testing::Test {
+ protected:
+  FailingFilesTest() { files_.AddFile(path_, "0123456789"); }
+
+  const std::string path_ = JoinPath("folder", "file");
+  fakes::FakeFileSystem files_;
+  const Replacement<FileSystem> replacement_{files_};
+};
+
+TEST_F(FailingFilesTest, AReadErrorKeepsWhatCameBefore) {
+  files_.read_failures[path_] = {5, 4};
+  std::string content;
+  EXPECT_EQ(ReadWholeFile(path_, &content), 5);
+  EXPECT_EQ(content, "0123");
+}
+
+TEST_F(FailingFilesTest, AFailedAppendCannotBeCommitted) {
+  files_.append_failures[path_] = {28, 3};
+  int error = 0;
+  const auto output = TheFileSystem().CreateOutput(path_, &error);
+  ASSERT_NE(output, nullptr);
+  EXPECT_EQ(output->Append("abc"), 0);
+  EXPECT_EQ(output->Append("d"), 28);
+  EXPECT_EQ(output->Commit(), 28);
+  EXPECT_EQ(files_.Content(path_), "0123456789");
+}
+
+TEST_F(FailingFilesTest, OpeningCreatingAndCommittingFailOnDemand) {
+  int error = 0;
+  files_.open_failures[path_] = 13;
+  EXPECT_EQ(TheFileSystem().OpenForReading(path_, &error), nullptr);
+  EXPECT_EQ(error, 13);
+  files_.commit_failures[path_] = 17;
+  EXPECT_EQ(TheFileSystem().CreateOutput(path_, &error)->Commit(), 17);
+  files_.create_failures[path_] = 30;
+  EXPECT_EQ(TheFileSystem().CreateOutput(path_, &error), nullptr);
+  EXPECT_EQ(error, 30);
+}
+
+}  // namespace
+}  // namespace platform

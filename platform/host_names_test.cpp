@@ -1,0 +1,75 @@
+#include "platform/host_names.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "platform/service.h"
+#include "tests/fakes/fake_host_names.h"
+
+namespace platform {
+namespace {
+
+// What holds for every resolver; the parameter tells whether a fake stands in. What a real one
+// answers for an address depends on the machine's network and is not tested.
+class HostNamesTest : public testing::TestWithParam<bool> {
+ protected:
+  HostNamesTest() {
+    if (GetParam()) replacement_ = std::make_unique<Replacement<HostNames>>(fake_);
+  }
+
+ private:
+  fakes::FakeHostNames fake_;
+  std::unique_ptr<Replacement<HostNames>> replacement_;
+};
+
+TEST_P(HostNamesTest, StartsAndStops) {
+  EXPECT_TRUE(TheHostNames().Start());
+  TheHostNames().Stop();
+}
+
+TEST_P(HostNamesTest, WhatIsNoAddressHasNoName) {
+  ASSERT_TRUE(TheHostNames().Start());
+  for (const std::string& address :
+       {std::string("-"), std::string(), std::string("not an address"), std::string("1.2.3.4.5"),
+        std::string("300.1.1.1"), std::string("127.0.0.1\0x", 11)}) {
+    std::string name = "untouched";
+    std::string error;
+    EXPECT_EQ(TheHostNames().NameOf(address, &name, &error), LookupResult::kNoName) << address;
+    EXPECT_EQ(name, "untouched");
+  }
+  TheHostNames().Stop();
+}
+
+TEST_P(HostNamesTest, LocalNameStandsInABufferFilledUpWithZeros) {
+  ASSERT_TRUE(TheHostNames().Start());
+  std::string buffer;
+  ASSERT_TRUE(TheHostNames().LocalNameBuffer(&buffer));
+  ASSERT_EQ(buffer.size(), 256u);
+  const std::size_t end = buffer.find('\0');
+  ASSERT_NE(end, std::string::npos);
+  EXPECT_GT(end, 0u);
+  EXPECT_EQ(buffer.find_first_not_of('\0', end), std::string::npos);
+  TheHostNames().Stop();
+}
+
+INSTANTIATE_TEST_SUITE_P(FakeAndReal, HostNamesTest, testing::Values(true, false),
+                         [](const auto& suite) { return suite.param ? "Fake" : "Real"; });
+
+TEST(FakeHostNamesTest, AnswersFromItsTables) {
+  fakes::FakeHostNames fake;
+  fake.names["10.0.0.1"] = "one.example";
+  fake.timing_out.insert("10.0.0.2");
+  fake.failures["10.0.0.3"] = "The resolver is broken";
+  std::string name;
+  std::string error;
+  EXPECT_EQ(fake.NameOf("10.0.0.1", &name, &error), LookupResult::kFound);
+  EXPECT_EQ(name, "one.example");
+  EXPECT_EQ(fake.NameOf("10.0.0.2", &name, &error), LookupResult::kTimedOut);
+  EXPECT_EQ(fake.NameOf("10.0.0.3", &name, &error), LookupResult::kFailed);
+  EXPECT_EQ(error, "The resolver is broken");
+  EXPECT_EQ(fake.asked.size(), 3u);
+}
+
+}  // namespace
+}  // namespace platform

@@ -1,0 +1,333 @@
+#include "platform/settings_file_linux.h"
+
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+#include <utility>
+
+#include "platform/names.h"
+
+namespace platform {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kBlanks = " \t\r";
+
+std::string_view Trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+bool HoldsLineBreakOrZero(std::string_view name) {
+  return name.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
+}
+
+std::string_view ParentOf(std::string_view path) {
+  const std::size_t separator = path.rfind('\\');
+  return separator == std::string_view::npos ? std::string_view() : path.substr(0, separator);
+}
+
+std::string_view LastPartOf(std::string_view path) { return path.substr(path.rfind('\\') + 1); }
+
+// The line break (LF or CR LF) that ends `bytes`; empty on a last line without one.
+std::string_view LineEndOf(std::string_view bytes) {
+  if (bytes.ends_with("\r\n")) return bytes.substr(bytes.size() - 2);
+  return bytes.ends_with('\n') ? bytes.substr(bytes.size() - 1) : std::string_view();
+}
+
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '\\') {
+      escaped += "\\\\";
+    } else if (c == '\r') {
+      escaped += "\\r";
+    } else if (c == '\n') {
+      escaped += "\\n";
+    } else {
+      escaped += c;
+    }
+  }
+  return escaped;
+}
+
+std::string Unescaped(std::string_view escaped) {
+  std::string text;
+  for (std::size_t i = 0; i < escaped.size(); ++i) {
+    const char next = escaped[i] == '\\' && i + 1 < escaped.size() ? escaped[i + 1] : '\0';
+    if (next == '\\' || next == 'r' || next == 'n') {
+      text += next == 'r' ? '\r' : next == 'n' ? '\n' : '\\';
+      ++i;
+    } else {
+      text += escaped[i];
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+SettingsFile::SettingsFile(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    lines_.push_back(ReadLine(text.substr(0, end)));
+    text.remove_prefix(end);
+  }
+  if (!lines_.empty() && LineEndOf(lines_.front().bytes).size() == 2) line_end_ = "\r\n";
+  Index();
+}
+
+std::string SettingsFile::Text() const {
+  std::string text;
+  for (const Line& line : lines_) text += line.bytes;
+  return text;
+}
+
+std::vector<SettingsFile::BrokenLine> SettingsFile::BrokenLines() const {
+  std::vector<BrokenLine> broken;
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
+    if (lines_[i].kind == Kind::kBroken || lines_[i].kind == Kind::kBrokenSection) {
+      broken.push_back({static_cast<int>(i) + 1, lines_[i].bytes});
+    }
+  }
+  return broken;
+}
+
+std::size_t SettingsFile::SubkeyCount(std::string_view path) const {
+  return Find(path)->subkeys.size();
+}
+
+std::size_t SettingsFile::ValueCount(std::string_view path) const {
+  return Find(path)->values.size();
+}
+
+const std::string& SettingsFile::Subkey(std::string_view path, std::size_t index) const {
+  return Find(path)->subkeys[index];
+}
+
+SettingsFile::Value SettingsFile::ValueAt(std::string_view path, std::size_t index) const {
+  const Line& line = lines_[Find(path)->values[index]];
+  return {line.name, line.text};
+}
+
+bool SettingsFile::IsValidPath(std::string_view path) {
+  return !path.empty() && path.front() != '\\' && path.back() != '\\' &&
+         path.find("\\\\") == std::string_view::npos && !HoldsLineBreakOrZero(path);
+}
+
+bool SettingsFile::IsValidValueName(std::string_view name) {
+  return !name.empty() && std::string_view("[;#").find(name.front()) == std::string_view::npos &&
+         name.find('=') == std::string_view::npos && !HoldsLineBreakOrZero(name) &&
+         !name.starts_with(kByteOrderMark);
+}
+
+bool SettingsFile::CreateKey(std::string_view path) {
+  if (HasKey(path)) return false;
+  const std::size_t position = SectionPosition(path);
+  Insert(position, SectionLines(position, path));
+  return true;
+}
+
+bool SettingsFile::SetValue(std::string_view path, std::string_view name, std::string_view text) {
+  if (const auto found = FindValue(*Find(path), name)) {
+    Line& line = lines_[*found];
+    if (line.text == text) return false;
+    const std::string end(LineEndOf(line.bytes));
+    line = ReadLine(line.name + "=" + Escaped(text) + end);
+    return true;
+  }
+  const bool only_implied = !path.empty() && Find(path)->sections.empty();
+  const std::size_t position = only_implied ? SectionPosition(path) : ValuePosition(*Find(path));
+  std::vector<Line> lines;
+  if (only_implied) lines = SectionLines(position, path);
+  lines.push_back(NewLine(std::string(name) + "=" + Escaped(text)));
+  Insert(position, std::move(lines));
+  return true;
+}
+
+bool SettingsFile::DeleteValue(std::string_view path, std::string_view name) {
+  const Key& key = *Find(path);
+  if (!FindValue(key, name)) return false;
+  std::vector<std::size_t> numbers = key.values;
+  numbers.insert(numbers.end(), key.hidden.begin(), key.hidden.end());
+  std::sort(numbers.rbegin(), numbers.rend());
+  for (const std::size_t number : numbers) {
+    if (!SameName(lines_[number].name, name)) continue;
+    lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(number));
+  }
+  Index();
+  return true;
+}
+
+bool SettingsFile::DeleteKey(std::string_view path) {
+  const Key key = *Find(path);
+  std::vector<bool> removed(lines_.size());
+  for (const auto* numbers : {&key.sections, &key.values, &key.hidden}) {
+    for (const std::size_t number : *numbers) removed[number] = true;
+  }
+  const std::size_t first = key.sections.front();
+  const std::string parent(ParentOf(lines_[first].name));
+  if (!parent.empty() && Find(parent)->sections.empty() && Find(parent)->subkeys.size() == 1) {
+    // The key above exists only through this one: from now on it has a section of its own.
+    lines_[first] = NewLine("[" + parent + "]");
+    removed[first] = false;
+  }
+  RemoveLines(removed);
+  Index();
+  return true;
+}
+
+SettingsFile::Line SettingsFile::ReadLine(std::string_view bytes) {
+  Line line;
+  line.bytes = bytes;
+  std::string_view content = bytes.substr(0, bytes.size() - LineEndOf(bytes).size());
+  if (content.starts_with(kByteOrderMark)) content.remove_prefix(kByteOrderMark.size());
+  ReadContent(content, &line);
+  return line;
+}
+
+void SettingsFile::ReadContent(std::string_view content, Line* line) {
+  const std::string_view trimmed = Trimmed(content);
+  if (trimmed.empty()) {
+    line->kind = Kind::kBlank;
+  } else if (content.front() == ';' || content.front() == '#') {
+    line->kind = Kind::kComment;
+  } else if (content.front() == '[') {
+    const bool closed = trimmed.size() > 1 && trimmed.back() == ']';
+    const std::string_view path = closed ? trimmed.substr(1, trimmed.size() - 2) : "";
+    const bool valid = IsValidPath(path);
+    line->kind = valid ? Kind::kSection : Kind::kBrokenSection;
+    line->name = path;
+  } else if (const std::size_t equals = content.find('=');
+             equals != std::string_view::npos && equals > 0 &&
+             content.find('\0') == std::string_view::npos) {
+    line->kind = Kind::kValue;
+    line->name = content.substr(0, equals);
+    line->text = Unescaped(content.substr(equals + 1));
+  } else {
+    line->kind = trimmed.front() == '[' ? Kind::kBrokenSection : Kind::kBroken;
+  }
+}
+
+SettingsFile::Line SettingsFile::NewLine(std::string_view content) const {
+  return ReadLine(std::string(content) + line_end_);
+}
+
+void SettingsFile::Index() {
+  keys_.clear();
+  std::unordered_set<std::string> seen;
+  std::string path;
+  Key* key = &keys_[path];
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
+    const Line& line = lines_[i];
+    if (line.kind == Kind::kSection) {
+      path = LowerCased(line.name);
+      key = &Touch(line.name);
+      key->sections.push_back(i);
+    } else if (line.kind == Kind::kBrokenSection) {
+      key = nullptr;
+    } else if (line.kind == Kind::kValue && key != nullptr) {
+      // A line feed can stand in neither part.
+      const bool first = seen.insert(path + "\n" + LowerCased(line.name)).second;
+      (first ? key->values : key->hidden).push_back(i);
+    }
+  }
+}
+
+SettingsFile::Key& SettingsFile::Touch(std::string_view path) {
+  const auto [position, is_new] = keys_.try_emplace(LowerCased(path));
+  Key& key = position->second;
+  if (is_new) Touch(ParentOf(path)).subkeys.emplace_back(LastPartOf(path));
+  return key;
+}
+
+const SettingsFile::Key* SettingsFile::Find(std::string_view path) const {
+  const auto key = keys_.find(LowerCased(path));
+  return key == keys_.end() ? nullptr : &key->second;
+}
+
+std::optional<std::size_t> SettingsFile::FindValue(const Key& key, std::string_view name) const {
+  for (const std::size_t number : key.values) {
+    if (SameName(lines_[number].name, name)) return number;
+  }
+  return std::nullopt;
+}
+
+// The header of a new section at `position`, a blank line apart from what stands above it.
+std::vector<SettingsFile::Line> SettingsFile::SectionLines(std::size_t position,
+                                                           std::string_view path) const {
+  std::vector<Line> lines;
+  if (position > 0 && lines_[position - 1].kind != Kind::kBlank) lines.push_back(NewLine(""));
+  lines.push_back(NewLine("[" + std::string(path) + "]"));
+  return lines;
+}
+
+void SettingsFile::Insert(std::size_t position, std::vector<Line> lines) {
+  if (position > 0 && LineEndOf(lines_[position - 1].bytes).empty()) {
+    lines_[position - 1].bytes += line_end_;
+  }
+  lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(position),
+                std::make_move_iterator(lines.begin()), std::make_move_iterator(lines.end()));
+  Index();
+}
+
+// Drops lines, and with a section the blank lines that would then stand doubled.
+void SettingsFile::RemoveLines(const std::vector<bool>& removed) {
+  std::vector<Line> kept;
+  const auto ends_blank = [&kept] { return kept.empty() || kept.back().kind == Kind::kBlank; };
+  bool after_section = false;
+  for (std::size_t i = 0; i < lines_.size(); ++i) {
+    if (removed[i]) {
+      after_section = after_section || lines_[i].kind == Kind::kSection;
+      continue;
+    }
+    const bool doubled = after_section && lines_[i].kind == Kind::kBlank && ends_blank();
+    after_section = after_section && doubled;
+    if (!doubled) kept.push_back(std::move(lines_[i]));
+  }
+  if (after_section && !kept.empty() && ends_blank()) kept.pop_back();
+  lines_ = std::move(kept);
+}
+
+// Where a new section goes behind the one whose lines begin at `first`: before the next section,
+// the comment that stands directly above it and the blank lines above that.
+std::size_t SettingsFile::EndOfSection(std::size_t first) const {
+  std::size_t end = first;
+  while (end < lines_.size() && lines_[end].kind != Kind::kSection &&
+         lines_[end].kind != Kind::kBrokenSection) {
+    ++end;
+  }
+  if (end == lines_.size()) return end;
+  std::size_t comment = end;
+  while (comment > first && lines_[comment - 1].kind == Kind::kComment) --comment;
+  // Without a blank line above it the comment belongs to what stands before it.
+  if (comment > first && lines_[comment - 1].kind == Kind::kBlank) end = comment;
+  while (end > first && lines_[end - 1].kind == Kind::kBlank) --end;
+  return end;
+}
+
+// Where the section of a new key goes: behind the last one of its family, so that the keys of a
+// site stay together; at the end of the file when it is the first of its family.
+std::size_t SettingsFile::SectionPosition(std::string_view path) const {
+  for (std::string family = LowerCased(path); !family.empty(); family = ParentOf(family)) {
+    for (std::size_t i = lines_.size(); i > 0; --i) {
+      if (lines_[i - 1].kind != Kind::kSection) continue;
+      const std::string section = LowerCased(lines_[i - 1].name);
+      if (section == family || section.starts_with(family + "\\")) return EndOfSection(i);
+    }
+  }
+  return lines_.size();
+}
+
+// Where a new value of a key goes: behind its last one.
+std::size_t SettingsFile::ValuePosition(const Key& key) const {
+  std::size_t position = 0;
+  for (const auto* numbers : {&key.values, &key.hidden}) {
+    if (!numbers->empty()) position = std::max(position, numbers->back() + 1);
+  }
+  if (position > 0) return position;
+  return key.sections.empty() ? EndOfSection(0) : key.sections.front() + 1;
+}
+
+}  // namespace platform

@@ -1,0 +1,156 @@
+// Files and folders in memory, with failures on demand.
+#ifndef HITWICK_TESTS_FAKES_FAKE_FILE_SYSTEM_H_
+#define HITWICK_TESTS_FAKES_FAKE_FILE_SYSTEM_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/file_system.h"
+#include "platform/names.h"
+
+namespace fakes {
+
+class FakeFileSystem : public platform::FileSystem {
+ public:
+  static constexpr int kNotFound = 2;  // the same number on every system
+  // An operation on a file that goes wrong once `bytes` bytes have been read or appended.
+  struct Failure {
+    int error = 0;
+    std::size_t bytes = 0;
+  };
+
+  void AddFolder(const std::string& path) { folders.insert(path); }
+  // Adds a file and the folder that holds it.
+  void AddFile(const std::string& path, std::string_view content) {
+    AddFolder(FolderOf(path));
+    files[path] = std::string(content);
+  }
+  bool Exists(const std::string& path) const { return files.count(path) != 0; }
+  // The content of a file that is in place; empty when there is none.
+  std::string Content(const std::string& path) const {
+    const auto file = files.find(path);
+    return file == files.end() ? std::string() : file->second;
+  }
+
+  bool FolderExists(const std::string& path) override { return folders.count(path) != 0; }
+
+  std::vector<std::string> ListFiles(const std::string& folder, std::string_view prefix,
+                                     std::string_view suffix) override {
+    std::vector<std::string> names;
+    for (const auto& [path, content] : files) {
+      const std::string name = path.substr(path.rfind(platform::kPathSeparator) + 1);
+      if (FolderOf(path) == folder && platform::NameFits(name, prefix, suffix)) {
+        names.push_back(name);
+      }
+    }
+    platform::SortNames(&names);
+    return names;
+  }
+
+  std::unique_ptr<platform::InputFile> OpenForReading(const std::string& path,
+                                                      int* error) override {
+    opened.push_back(path);
+    *error = CodeOf(open_failures, path);
+    if (*error == 0 && !Exists(path)) *error = kNotFound;
+    if (*error != 0) return nullptr;
+    return std::make_unique<Input>(files[path], Scripted(read_failures, path), read_size_limit);
+  }
+
+  std::unique_ptr<platform::OutputFile> CreateOutput(const std::string& path, int* error) override {
+    *error = CodeOf(create_failures, path);
+    if (*error == 0 && !FolderExists(FolderOf(path))) *error = kNotFound;
+    if (*error != 0) return nullptr;
+    return std::make_unique<Output>(this, path);
+  }
+
+  std::map<std::string, std::string> files;
+  std::set<std::string> folders;
+
+  std::map<std::string, int> open_failures;
+  std::map<std::string, int> create_failures;
+  std::map<std::string, int> commit_failures;
+  std::map<std::string, Failure> read_failures;
+  std::map<std::string, Failure> append_failures;
+  std::size_t read_size_limit = 0;  // the most bytes that one read gives; 0 sets no limit
+
+  std::vector<std::string> opened;     // every path that was opened or tried, in order
+  std::vector<std::string> committed;  // every file put in place, in order
+
+ private:
+  class Input : public platform::InputFile {
+   public:
+    Input(std::string content, const Failure* failure, std::size_t limit)
+        : content_(std::move(content)), failure_(failure ? *failure : Failure()), limit_(limit) {}
+
+    int Read(char* buffer, std::size_t size, std::size_t* got) override {
+      std::size_t end = content_.size();
+      if (failure_.error != 0) end = std::min(end, failure_.bytes);
+      if (limit_ != 0) size = std::min(size, limit_);
+      *got = std::min(size, end - position_);
+      if (*got == 0) return failure_.error;
+      std::memcpy(buffer, content_.data() + position_, *got);
+      position_ += *got;
+      return 0;
+    }
+
+   private:
+    std::string content_;
+    Failure failure_;
+    std::size_t limit_;
+    std::size_t position_ = 0;
+  };
+
+  class Output : public platform::OutputFile {
+   public:
+    Output(FakeFileSystem* files, std::string path) : files_(files), path_(std::move(path)) {}
+
+    int Append(std::string_view bytes) override {
+      const Failure* failure = Scripted(files_->append_failures, path_);
+      if (failure != nullptr && content_.size() + bytes.size() > failure->bytes) {
+        error_ = failure->error;
+      }
+      if (error_ == 0) content_ += bytes;
+      return error_;
+    }
+
+    int Commit() override {
+      if (error_ == 0) error_ = CodeOf(files_->commit_failures, path_);
+      if (error_ != 0) return error_;
+      files_->files[path_] = content_;
+      files_->committed.push_back(path_);
+      return 0;
+    }
+
+   private:
+    FakeFileSystem* files_;
+    std::string path_;
+    std::string content_;
+    int error_ = 0;
+  };
+
+  static std::string FolderOf(const std::string& path) {
+    const std::size_t separator = path.rfind(platform::kPathSeparator);
+    return separator == std::string::npos ? std::string() : path.substr(0, separator);
+  }
+  static int CodeOf(const std::map<std::string, int>& failures, const std::string& path) {
+    const auto failure = failures.find(path);
+    return failure == failures.end() ? 0 : failure->second;
+  }
+  static const Failure* Scripted(const std::map<std::string, Failure>& failures,
+                                 const std::string& path) {
+    const auto failure = failures.find(path);
+    return failure == failures.end() ? nullptr : &failure->second;
+  }
+};
+
+}  // namespace fakes
+
+#endif  // HITWICK_TESTS_FAKES_FAKE_FILE_SYSTEM_H_
