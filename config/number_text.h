@@ -1,0 +1,16 @@
+// Numbers as decimal text, the same on every platform and in every locale.
+#ifndef HITWICK_CONFIG_NUMBER_TEXT_H_
+#define HITWICK_CONFIG_NUMBER_TEXT_H_
+
+#include <string>
+
+namespace text {
+
+// A number in plain decimal: no exponent, no thousands separators, "." as the decimal point. A
+// number without a fraction with all its integer digits, any other in the shortest form that reads
+// back as the same double.
+std::string PlainNumber(double value);
+
+}  // namespace text
+
+#endif  // HITWICK_CONFIG_NUMBER_TEXT_H_
