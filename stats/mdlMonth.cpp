@@ -1,0 +1,254 @@
+#include "stats/mdlMonth.h"
+
+#include <algorithm>
+
+#include "config/mdlConfigs.h"
+#include "config/text.h"
+#include "stats/file_type.h"
+#include "stats/mdlVisit.h"
+#include "stats/mdlWebPage.h"
+
+namespace mdlMonth {
+namespace {
+
+using stats::AddTo;
+using stats::HashedKey;
+using stats::LogRecord;
+
+constexpr std::string_view kSuccessStatuses[] = {"200", "201", "202", "203",
+                                                 "204", "205", "206", "304"};
+constexpr std::string_view kRedirectStatuses[] = {"301", "302", "303", "307"};
+constexpr std::string_view kRobotsTxt = "/robots.txt";
+constexpr std::string_view kEmptyMark = "-";
+
+MonthStats month_stats;
+
+// Containment, not equality: a damaged, shorter status still counts by what it is part of.
+template <std::size_t N>
+bool OneContains(const std::string_view (&list)[N], std::string_view status) {
+  return std::any_of(std::begin(list), std::end(list), [status](std::string_view member) {
+    return member.find(status) != std::string_view::npos;
+  });
+}
+
+// What an error message names: a label and the value that was being added.
+struct ErrorContext {
+  std::string_view label = "counters";
+  std::string_view value;
+};
+
+// One hit being added: the record, its texts hashed once for all tables, and how far it has got.
+class HitAdder {
+ public:
+  explicit HitAdder(LogRecord& record)
+      : record_(record),
+        uri_(record.uriStem),
+        agent_(record.userAgent),
+        address_(record.clientAddress),
+        referrer_(record.referrer),
+        bytes_(static_cast<float>(record.bytesSent)) {
+    month_.SuccessUrls.Prefetch(uri_);
+    month_.Pages.Prefetch(uri_);
+    month_.UrlResponseTimes.Prefetch(uri_);
+    month_.UserAgents.Prefetch(agent_);
+    month_.ClientAddresses.Prefetch(address_);
+    month_.Referrers.Prefetch(referrer_);
+  }
+
+  void Add() {
+    AddCounters();
+    AddPeakHour();
+    AddUri();
+    AddClient();
+    AddStatus();
+    AddFile();
+    AddQueryAndUser();
+    mdlVisit::TrackVisit(address_, agent_, TimeInPeriod(), record_.uriStem, record_.bytesSent);
+    if (!record_.hostLabel.empty()) month_.HostLabel = record_.hostLabel;
+  }
+
+  const ErrorContext& context() const { return context_; }
+
+ private:
+  void AddCounters() {
+    AddTo(month_.TotalHits, 1);
+    AddTo(month_.DayHits[record_.day], 1);
+    AddTo(month_.HourHits[record_.hour], 1);
+    AddTo(month_.TotalBytes, bytes_);
+    AddTo(month_.DayBytes[record_.day], bytes_);
+    AddTo(month_.HourBytes[record_.hour], bytes_);
+    const float time_taken = static_cast<float>(record_.timeTaken);
+    AddTo(month_.TotalTimeTaken, time_taken);
+    AddTo(month_.DayTimeTaken[record_.day], time_taken);
+    AddTo(month_.HourTimeTaken[record_.hour], time_taken);
+    if (month_.MaxTimeTaken < time_taken) month_.MaxTimeTaken = time_taken;
+  }
+
+  // Hits are assumed to come in time order; an hour that recurs later starts from 0. A later hour
+  // that ties a peak replaces it.
+  void AddPeakHour() {
+    if (record_.day != month_.CurrentDay || record_.hour != month_.CurrentHour) {
+      month_.CurrentDay = record_.day;
+      month_.CurrentHour = record_.hour;
+      month_.CurrentHourBytes = 0;
+      month_.CurrentHourHits = 0;
+    }
+    AddTo(month_.CurrentHourBytes, bytes_);
+    AddTo(month_.CurrentHourHits, 1);
+    if (month_.CurrentHourBytes >= month_.PeakHourBytes) {
+      month_.PeakHourBytes = month_.CurrentHourBytes;
+      month_.PeakHourBytesDay = month_.CurrentDay;
+      month_.PeakHourBytesHour = month_.CurrentHour;
+    }
+    if (month_.CurrentHourHits >= month_.PeakHourHits) {
+      month_.PeakHourHits = month_.CurrentHourHits;
+      month_.PeakHourHitsDay = month_.CurrentDay;
+      month_.PeakHourHitsHour = month_.CurrentHour;
+    }
+  }
+
+  void AddUri() {
+    context_ = {"URI=", record_.uriStem};
+    if (record_.uriStem.empty()) return;
+    if (!record_.userAgent.empty() && text::EqualsIgnoringCase(record_.uriStem, kRobotsTxt)) {
+      TallyAdd(agent_, month_.RobotsTxtAgents, bytes_);
+    }
+    static std::string file_type;  // reused, so that a hit allocates nothing
+    stats::FindFileType(record_.uriStem, file_type);
+    if (!file_type.empty()) TallyAdd(file_type, month_.FileTypes, bytes_);
+  }
+
+  void AddClient() {
+    context_ = {"UserAgent=", record_.userAgent};
+    AddUnlessEmpty(agent_, month_.UserAgents);
+    context_ = {"Method=", record_.method};
+    AddUnlessEmpty(record_.method, month_.Methods);
+    context_ = {"IP=", record_.clientAddress};
+    AddUnlessEmpty(address_, month_.ClientAddresses);
+    context_ = {"Referer=", record_.referrer};
+    AddUnlessEmpty(referrer_, month_.Referrers);
+    if (record_.timeTaken > 0) {
+      TallyAdd(uri_, month_.UrlResponseTimes, static_cast<float>(record_.timeTaken), true);
+    }
+  }
+
+  void AddStatus() {
+    context_ = {"Status=", record_.status};
+    if (record_.status.empty() || IsSuccessStatus(record_.status)) {
+      AddUnlessEmpty(uri_, month_.SuccessUrls);
+    } else {
+      AddTo(month_.DayFailures[record_.day], 1);
+      if (!IsSuccessOrRedirectStatus(record_.status)) {
+        TallyAdd(uri_, month_.FailedUrls, bytes_);
+        AddUnlessEmpty(referrer_, month_.FailedReferrers);
+      }
+    }
+    AddUnlessEmpty(record_.status, month_.StatusCodes);
+  }
+
+  void AddFile() {
+    if (record_.status != "200") return;
+    AddTo(month_.TotalFiles, 1);
+    AddTo(month_.DayFiles[record_.day], 1);
+    AddTo(month_.HourFiles[record_.hour], 1);
+    if (mdlWebPage::IsPage(record_.uriStem) == 0) return;
+    AddTo(month_.TotalPages, 1);
+    AddTo(month_.DayPages[record_.day], 1);
+    AddTo(month_.HourPages[record_.hour], 1);
+    TallyAdd(uri_, month_.Pages, bytes_);
+  }
+
+  void AddQueryAndUser() {
+    context_ = {"Query=", record_.searchKeywords};
+    if (record_.searchKeywords != kEmptyMark) {
+      AddUnlessEmpty(record_.searchKeywords, month_.Queries);
+    }
+    context_ = {"Username=", record_.userName};
+    if (record_.userName == kEmptyMark) record_.userName = "Anonymous";
+    AddUnlessEmpty(record_.userName, month_.UserNames);
+  }
+
+  // Seconds since the start of day 0. Fits: day and hour have indexed their arrays by now.
+  std::int32_t TimeInPeriod() const {
+    return ((record_.day * 24 + record_.hour) * 60 + record_.minute) * 60 + record_.second;
+  }
+
+  void AddUnlessEmpty(const HashedKey& key, TallyTable& table) {
+    if (!key.text.empty()) TallyAdd(key, table, bytes_);
+  }
+
+  LogRecord& record_;
+  const HashedKey uri_;
+  const HashedKey agent_;
+  const HashedKey address_;
+  const HashedKey referrer_;
+  const float bytes_;
+  MonthStats& month_ = month_stats;
+  ErrorContext context_;
+};
+
+void ClearCounters(MonthStats& month) {
+  month.TotalBytes = month.TotalHits = month.TotalFiles = month.TotalPages = 0;
+  month.TotalTimeTaken = month.MaxTimeTaken = 0;
+  month.PeakHourBytes = month.PeakHourHits = 0;
+  month.PeakHourBytesDay = month.PeakHourHitsDay = 1;
+  month.PeakHourBytesHour = month.PeakHourHitsHour = 0;
+  month.CurrentHourBytes = month.CurrentHourHits = 0;
+  month.CurrentDay = month.CurrentHour = 0;
+  month.HostLabel.clear();
+}
+
+void ClearArrays(MonthStats& month) {
+  for (DayArray* days : {&month.DayBytes, &month.DayHits, &month.DayFiles, &month.DayPages,
+                         &month.DayTimeTaken, &month.DayFailures}) {
+    days->Clear();
+  }
+  for (HourArray* hours : {&month.HourBytes, &month.HourHits, &month.HourFiles, &month.HourPages,
+                           &month.HourTimeTaken}) {
+    hours->Clear();
+  }
+}
+
+// All but `RobotsTxtAgents`: a robot recognised in one month stays recognised in the next.
+void ClearTables(MonthStats& month) {
+  for (TallyTable* table :
+       {&month.SuccessUrls, &month.UserAgents, &month.ClientAddresses, &month.Methods,
+        &month.Referrers, &month.StatusCodes, &month.Queries, &month.UserNames, &month.Pages,
+        &month.FailedUrls, &month.FailedReferrers, &month.FileTypes, &month.UrlResponseTimes,
+        &month.Visits.AllEntry, &month.Visits.AllExit, &month.Visits.NonRobotEntry,
+        &month.Visits.NonRobotExit, &month.Browsers, &month.OperatingSystems}) {
+    table->Clear();
+  }
+}
+
+}  // namespace
+
+MonthStats& Month() { return month_stats; }
+
+bool IsSuccessStatus(std::string_view status) { return OneContains(kSuccessStatuses, status); }
+
+bool IsSuccessOrRedirectStatus(std::string_view status) {
+  return IsSuccessStatus(status) || OneContains(kRedirectStatuses, status);
+}
+
+void InitMonth() {
+  ClearCounters(month_stats);
+  ClearArrays(month_stats);
+  ClearTables(month_stats);
+  mdlWebPage::BuildRobotWords();
+}
+
+void AddHit(LogRecord& record) {
+  HitAdder hit(record);
+  try {
+    hit.Add();
+  } catch (const stats::Fault& fault) {
+    mdlConfigs::LogWarning(std::string("Error adding hit ")
+                               .append(hit.context().label)
+                               .append(hit.context().value)
+                               .append(" : ")
+                               .append(fault.description()));
+  }
+}
+
+}  // namespace mdlMonth

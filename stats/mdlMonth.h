@@ -1,0 +1,120 @@
+// The statistics of one reporting period, and the adding of one hit to them.
+//
+// State: one `MonthStats` for the process, reset by `InitMonth` (the log reader, before the first
+// file of a month), filled by `AddHit` (the record parser), read by the page writers.
+#ifndef HITWICK_STATS_MDLMONTH_H_
+#define HITWICK_STATS_MDLMONTH_H_
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "stats/fault.h"
+#include "stats/log_record.h"
+#include "stats/tally.h"
+
+namespace mdlMonth {
+
+// Sums of one measure per day of the month (1..31) or per hour of the day (0..24; slot 24 takes
+// the hours that a damaged time can yield and is shown nowhere). Any other index is an error.
+class DayArray {
+ public:
+  float& operator[](int day) {
+    if (day < 1 || day > 31) stats::ThrowSubscript();
+    return values_[static_cast<std::size_t>(day)];
+  }
+  float operator[](int day) const { return const_cast<DayArray&>(*this)[day]; }
+  void Clear() { values_.fill(0); }
+
+ private:
+  std::array<float, 32> values_{};
+};
+
+class HourArray {
+ public:
+  float& operator[](int hour) {
+    if (hour < 0 || hour > 24) stats::ThrowSubscript();
+    return values_[static_cast<std::size_t>(hour)];
+  }
+  float operator[](int hour) const { return const_cast<HourArray&>(*this)[hour]; }
+  void Clear() { values_.fill(0); }
+
+ private:
+  std::array<float, 25> values_{};
+};
+
+// Entry and exit pages of visits; metric 1 per visit. Filled when a visit closes.
+struct VisitTables {
+  TallyTable AllEntry;
+  TallyTable AllExit;
+  TallyTable NonRobotEntry;
+  TallyTable NonRobotExit;
+};
+
+// Single-precision counters, hit counts included. Bytes are bytes, times are milliseconds. The
+// metric of every tally is the sum of the bytes sent unless said otherwise.
+struct MonthStats {
+  float TotalBytes = 0;
+  float TotalHits = 0;
+  float TotalFiles = 0;  // hits whose status is exactly "200"
+  float TotalPages = 0;  // those of them whose URL is a page
+  float TotalTimeTaken = 0;
+  float MaxTimeTaken = 0;
+
+  // The busiest single hour of one day, by bytes and by hits, and when it was.
+  float PeakHourBytes = 0;
+  std::int16_t PeakHourBytesDay = 1;
+  std::int16_t PeakHourBytesHour = 0;
+  float PeakHourHits = 0;
+  std::int16_t PeakHourHitsDay = 1;
+  std::int16_t PeakHourHitsHour = 0;
+  // Running totals of the (day, hour) that the last hit fell in.
+  float CurrentHourBytes = 0;
+  float CurrentHourHits = 0;
+  std::int16_t CurrentDay = 0;
+  std::int16_t CurrentHour = 0;
+
+  std::string HostLabel;  // the last non-empty host label of a hit
+
+  DayArray DayBytes, DayHits, DayFiles, DayPages, DayTimeTaken;
+  DayArray DayFailures;  // hits whose status is no success status
+  HourArray HourBytes, HourHits, HourFiles, HourPages, HourTimeTaken;
+
+  TallyTable SuccessUrls;
+  TallyTable RobotsTxtAgents;  // agents that fetched /robots.txt; kept from month to month
+  TallyTable UserAgents;
+  TallyTable ClientAddresses;
+  TallyTable Methods;
+  TallyTable Referrers;
+  TallyTable StatusCodes;
+  TallyTable Queries;  // search words of referrers
+  TallyTable UserNames;
+  TallyTable Pages;
+  TallyTable FailedUrls;
+  TallyTable FailedReferrers;
+  TallyTable FileTypes;         // upper-case extensions
+  TallyTable UrlResponseTimes;  // metric: mean time taken
+  VisitTables Visits;
+  TallyTable Browsers;          // filled by the page writer from UserAgents
+  TallyTable OperatingSystems;  // likewise
+};
+
+MonthStats& Month();
+
+// Starts a period: everything to zero but `RobotsTxtAgents`; rebuilds the robot word list.
+void InitMonth();
+
+// Adds one hit. Day and hour index the arrays unchecked by the caller; an error in any step ends
+// the hit there, keeps what is already counted, and is reported as a warning in the event log. A
+// user name "-" is replaced by "Anonymous" in the record.
+void AddHit(stats::LogRecord& record);
+
+// Whether a status text is contained in one of "200".."206", "304" (so "20" and "" count too) /
+// in one of those or of the redirects "301", "302", "303", "307".
+bool IsSuccessStatus(std::string_view status);
+bool IsSuccessOrRedirectStatus(std::string_view status);
+
+}  // namespace mdlMonth
+
+#endif  // HITWICK_STATS_MDLMONTH_H_
