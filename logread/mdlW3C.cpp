@@ -1,0 +1,186 @@
+#include "logread/mdlW3C.h"
+
+#include <memory>
+#include <string_view>
+
+#include "config/calendar.h"
+#include "config/mdlConfigs.h"
+#include "config/text.h"
+#include "logread/line_reader.h"
+#include "logread/mdlTZ.h"
+#include "logread/record_parser.h"
+#include "platform/file_system.h"
+#include "platform/mod_systemInfo.h"
+#include "stats/mdlMonth.h"
+#include "stats/mdlVisit.h"
+
+namespace mdlW3C {
+namespace {
+
+constexpr std::string_view kPrefixes[] = {"ex", "u_ex"};
+constexpr std::string_view kLogSuffix = ".log";
+constexpr std::size_t kDayAndSuffix = 6;  // two day digits and ".log"
+constexpr calendar::Date kDateSerialZero = {1899, 12, 30};
+
+struct PeriodArguments {
+  std::int16_t firstDay, lastDay, month, year;
+};
+
+bool QuitRequested() { return mdlConfigs::Run().Ui.quit_requested; }
+
+std::string AtLeastTwoDigits(int number) {
+  const std::string digits = std::to_string(number);
+  return digits.size() < 2 ? "0" + digits : digits;
+}
+
+// The year in a log file's name. Up to 2000 the year number is taken as a date serial number and
+// the two-digit year of that date is used; IIS logs of such years do not exist.
+std::string YearDigits(int year) {
+  if (year > 2000) return AtLeastTwoDigits(year - 2000);
+  return AtLeastTwoDigits(calendar::AddDays(kDateSerialZero, year).year % 100);
+}
+
+std::string MonthDigits(int year, int month) { return YearDigits(year) + AtLeastTwoDigits(month); }
+
+// Reads one file that was found; false when the user asked to quit.
+bool ProcessFile(const std::string& name, const PeriodArguments& period) {
+  const std::string& folder = mdlConfigs::Run().Settings.LogDir;
+  mdlConfigs::ShowStatus("Reading " + name);
+  const std::string stem =
+      platform::JoinPath(folder, std::string_view(name).substr(0, name.size() - kDayAndSuffix));
+  ReadLogFile(platform::JoinPath(folder, name), period.firstDay, period.lastDay, period.month,
+              period.year, stem);
+  return !QuitRequested();
+}
+
+// Reads the files of one neighbouring day: at most one for each prefix.
+bool ReadNeighbourDay(const calendar::Date& date, const PeriodArguments& period) {
+  for (const std::string_view prefix : kPrefixes) {
+    const std::string stem =
+        std::string(prefix) + MonthDigits(date.year, date.month) + AtLeastTwoDigits(date.day);
+    const auto names =
+        platform::TheFileSystem().ListFiles(mdlConfigs::Run().Settings.LogDir, stem, kLogSuffix);
+    for (const std::string& name : names) {
+      if (name.size() != stem.size() + kLogSuffix.size()) continue;
+      if (!ProcessFile(name, period)) return false;
+      break;
+    }
+  }
+  return true;
+}
+
+bool ReadMonthFiles(const PeriodArguments& period) {
+  for (const std::string_view prefix : kPrefixes) {
+    const std::string stem = std::string(prefix) + MonthDigits(period.year, period.month);
+    for (const std::string& name :
+         platform::TheFileSystem().ListFiles(mdlConfigs::Run().Settings.LogDir, stem, kLogSuffix)) {
+      if (!ProcessFile(name, period)) return false;
+    }
+  }
+  return true;
+}
+
+// East of UTC the month begins in the log of the day before it, elsewhere it ends in the log of
+// the day after it.
+bool ReadAllFiles(const PeriodArguments& period) {
+  const ReadingState& reading = Reading();
+  const bool east = reading.offset_hours < 0 || reading.offset_minutes < 0;
+  if (east && !ReadNeighbourDay(calendar::AddDays({period.year, period.month, 1}, -1), period)) {
+    return false;
+  }
+  if (!ReadMonthFiles(period)) return false;
+  return east || ReadNeighbourDay(calendar::AddDays({period.year, period.month + 1, 1}, 0), period);
+}
+
+void SetZoneOffset() {
+  ReadingState& reading = Reading();
+  reading.offset_hours = reading.offset_minutes = 0;
+  if (!mdlConfigs::Run().Settings.UseUTC) {
+    mdlTZ::GetZoneOffset(reading.offset_hours, reading.offset_minutes);
+  }
+}
+
+stats::HistoryRow MonthTotals(const PeriodArguments& period) {
+  const mdlMonth::MonthStats& month = mdlMonth::Month();
+  stats::HistoryRow row;
+  row.mon = period.month;
+  row.yr = period.year;
+  row.bytes = month.TotalBytes;
+  row.hits = month.TotalHits;
+  row.pages = month.TotalPages;
+  row.upages = mdlMonth::TallyCount(month.SuccessUrls);
+  row.responseTime = month.TotalTimeTaken;
+  row.visitors = mdlMonth::TallyCount(month.ClientAddresses);
+  row.visits = mdlVisit::AllVisitLengths()[0].Visits;
+  row.files = month.TotalFiles;
+  return row;
+}
+
+// A number in a file's name; 0 where other characters stand in its place.
+int NamedNumber(std::string_view text) { return text::ToInt16(text).value_or(0); }
+
+std::string_view LastCharacters(std::string_view text, std::size_t count) {
+  return text.size() > count ? text.substr(text.size() - count) : text;
+}
+
+calendar::Date DateInName(std::string_view path, std::string_view stem) {
+  const std::string_view year_and_month = LastCharacters(stem, 4);
+  calendar::Date date;
+  date.year = NamedNumber("20" + std::string(year_and_month.substr(0, 2)));
+  date.month = NamedNumber(LastCharacters(stem, 2));
+  date.day = stem.size() < path.size() ? NamedNumber(path.substr(stem.size(), 2)) : 0;
+  return date;
+}
+
+void LogFileError(std::string_view what, const std::string& path, int error) {
+  if (!mdlConfigs::Run().LogTranslations) return;
+  mdlConfigs::LogWarning(std::string(what).append(path) + " : " +
+                         mod_systemInfo::GetErrorText(error));
+}
+
+void ReadLines(logread::LineReader& lines, const PeriodArguments& period) {
+  ReadingState& reading = Reading();
+  while (!QuitRequested() && lines.Next(&reading.line)) {
+    if (reading.line.empty()) continue;
+    reading.cursor = 0;
+    if (reading.line.front() == '#') {
+      ReadHeaderLine();
+    } else {
+      ParseRecord(period.firstDay, period.lastDay, period.month, period.year);
+    }
+  }
+}
+
+}  // namespace
+
+void ReadMonthLogs(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
+                   std::int16_t year, const HistorySink& add_history_row) {
+  const PeriodArguments period = {firstDay, lastDay, month, year};
+  mdlMonth::InitMonth();
+  SetZoneOffset();
+  mdlVisit::InitVisits();
+  if (!ReadAllFiles(period)) return;
+  mdlVisit::CloseAllVisits();
+  add_history_row(MonthTotals(period));
+}
+
+void ReadLogFile(const std::string& path, std::int16_t firstDay, std::int16_t lastDay,
+                 std::int16_t month, std::int16_t year, const std::string& stem) {
+  static logread::LineReader lines;  // its buffer serves every file
+  Reading().file_date = DateInName(path, stem);
+  int error = 0;
+  const std::unique_ptr<platform::InputFile> file =
+      platform::TheFileSystem().OpenForReading(path, &error);
+  if (!file) return LogFileError("Error on open of  ", path, error);
+  if (const auto& pump = mdlConfigs::Run().Ui.process_pending_events) pump();
+  PrepareFilters();
+  lines.Start(*file);
+  ReadLines(lines, {firstDay, lastDay, month, year});
+  if (lines.error() != 0) LogFileError("Error during read of  ", path, lines.error());
+}
+
+const std::string& ServerName() { return Reading().server_name; }
+
+void Reset() { Reading() = ReadingState(); }
+
+}  // namespace mdlW3C
