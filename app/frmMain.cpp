@@ -1,0 +1,136 @@
+#include "app/frmMain.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "app/run_driver.h"
+#include "config/calendar.h"
+#include "config/mdlConfigs.h"
+#include "config/program.h"
+#include "config/text.h"
+#include "logread/mdlFilters.h"
+#include "platform/clock.h"
+#include "stats/mdlWebPage.h"
+
+namespace frmMain {
+namespace {
+
+using mdlConfigs::Run;
+
+constexpr std::int16_t kFirstDay = 1;
+constexpr std::int16_t kLastDay = 31;
+constexpr std::string_view kSiteSwitchFormat = ": Format for site name switch is /SITE=NAME";
+
+// The site switch had no "=": the start window is unloaded and nothing runs.
+bool start_window_unloaded = false;
+
+void WriteToStandardError(std::string_view text) { std::cerr << text << '\n' << std::flush; }
+
+calendar::Date Today() {
+  const platform::DateTime now = platform::TheClock().LocalNow();
+  return {now.year, now.month, now.day};
+}
+
+// Reports all days from the month of `first` to the month of `last`.
+void ReportMonths(const calendar::Date& first, const calendar::Date& last) {
+  const std::int16_t result = mdlConfigs::RunPeriod(
+      kFirstDay, kLastDay, static_cast<std::int16_t>(first.month),
+      static_cast<std::int16_t>(last.month), static_cast<std::int16_t>(first.year),
+      static_cast<std::int16_t>(last.year));
+  if (result == 0) mdlConfigs::WriteLast12MonthsPage();
+}
+
+bool LoadSettings() { return mdlConfigs::LoadSiteSettings(mdlFilters::LoadFilters) == 0; }
+
+// One run covers the current month; on the first of a month the month that has just ended, too.
+bool BatchRun() {
+  if (!LoadSettings()) return false;
+  const calendar::Date today = Today();
+  ReportMonths(today.day == 1 ? calendar::AddDays(today, -1) : today, today);
+  return true;
+}
+
+int ExitCode(bool settings_usable) {
+  return settings_usable && mdlConfigs::AllPagesWritten() ? kExitDone : kExitFailed;
+}
+
+std::string SiteNameIn(std::string_view value) {
+  if (!value.empty() && value.front() == '"') {
+    value.remove_prefix(1);
+    value = value.substr(0, value.find('"'));
+  } else {
+    value = value.substr(0, value.find('/'));
+    value = value.substr(0, value.find(' '));
+  }
+  std::string name(value);
+  std::erase_if(name, [](char c) { return c == '/' || c == '\\' || c == ';'; });
+  return name;
+}
+
+void ApplySiteSwitch(std::string_view token, std::size_t switch_position) {
+  const std::size_t equals = token.find('=', switch_position);
+  if (equals != std::string_view::npos) {
+    Run().SiteName = SiteNameIn(token.substr(equals + 1));
+    return;
+  }
+  if (Run().BatchMode) mdlConfigs::LogWarning(kSiteSwitchFormat);
+  WriteToStandardError(std::string(program::kTitle).append(kSiteSwitchFormat));
+  start_window_unloaded = true;
+}
+
+}  // namespace
+
+void ApplySwitch(std::string_view token) {
+  const auto contains = [token](std::string_view name) {
+    return text::ContainsIgnoringCase(token, name);
+  };
+  if (contains("/B")) Run().BatchMode = true;
+  if (contains("/C")) Run().CatchUpMode = true;
+  if (contains("/D")) Run().LogTranslations = true;
+  if (contains("/V")) mdlConfigs::TellUser("Hitwick version " + program::Version());
+  if (contains("/L")) {
+    WriteToStandardError(
+        "Hitwick: this build has no windows, so the site selection cannot be shown");
+  }
+  if (const std::size_t site = text::FindIgnoringCase(token, "/S"); site != text::kNone) {
+    ApplySiteSwitch(token, site);
+  }
+  mdlConfigs::LogInformation(": Configuration for site name is '" + Run().SiteName + "'");
+}
+
+void ParseCommandLine(std::string_view command_line) {
+  std::string token;
+  for (const char c : command_line) {
+    if (c != ' ' && c != '\t') {
+      token += c;
+    } else if (!token.empty()) {
+      ApplySwitch(token);
+      token.clear();
+    }
+  }
+  if (!token.empty()) ApplySwitch(token);
+}
+
+bool CatchUp() {
+  if (!Run().CatchUpMode) return true;
+  if (!LoadSettings()) return false;
+  const calendar::Date today = Today();
+  ReportMonths({today.year - 1, today.month, 1}, today);
+  return true;
+}
+
+int Form_Load(const std::string& command_line) {
+  Run().OnDemandMode = false;
+  start_window_unloaded = false;
+  mdlConfigs::ResetPagesWritten();
+  mdlWebPage::BuildLookupTables();
+  ParseCommandLine(command_line);
+  if (start_window_unloaded) return kExitNotStarted;
+  if (Run().CatchUpMode) return ExitCode(CatchUp());
+  if (Run().BatchMode) return ExitCode(BatchRun());
+  WriteToStandardError(
+      "Hitwick: this build has no windows; use /BATCH or /C with /SITE=NAME (see --help)");
+  return kExitNotStarted;
+}
+
+}  // namespace frmMain

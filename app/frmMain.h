@@ -1,0 +1,30 @@
+// Start-up: reads the command line and chooses the way to run (interactive, batch, catch-up).
+#ifndef HITWICK_APP_FRMMAIN_H_
+#define HITWICK_APP_FRMMAIN_H_
+
+#include <string>
+#include <string_view>
+
+namespace frmMain {
+
+// Exit codes of the program.
+inline constexpr int kExitDone = 0;        // all pages written
+inline constexpr int kExitFailed = 1;      // settings unusable, or a page could not be written
+inline constexpr int kExitNotStarted = 2;  // malformed site switch, or windows were asked for
+
+// The start-up sequence with the text after the program's name. Returns the exit code.
+int Form_Load(const std::string& command_line);
+
+// Splits the command line at blanks and tabs (quotation marks do not group) and applies each
+// token.
+void ParseCommandLine(std::string_view command_line);
+// Applies one token: every switch is looked for anywhere in it, letter case ignored.
+void ApplySwitch(std::string_view token);
+
+// The catch-up run: thirteen months up to and including the current one; only when `CatchUpMode`
+// is set. False when the settings are unusable.
+bool CatchUp();
+
+}  // namespace frmMain
+
+#endif  // HITWICK_APP_FRMMAIN_H_
