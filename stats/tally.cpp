@@ -40,7 +40,7 @@ TallyTable::Row* TallyTable::Lookup(const HashedKey& key) const {
 bool TallyTable::Find(const HashedKey& key, TallyEntry* entry) const {
   const Row* const row = Lookup(key);
   if (row == nullptr) return false;
-  *entry = {{row->text(), row->length}, row->count, row->metric};
+  *entry = {row->key(), row->count, row->metric};
   return true;
 }
 
@@ -159,7 +159,7 @@ TallyEntry TallyTable::At(std::int32_t rank) {
   const std::size_t place = static_cast<std::size_t>(rank) - 1;
   EnsureRanked(place + 1);
   const Row& row = *rank_[place];
-  return {{row.text(), row.length}, row.count, row.metric};
+  return {row.key(), row.count, row.metric};
 }
 
 void TallyTable::SortByMetric() {

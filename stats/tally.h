@@ -8,7 +8,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -64,10 +63,9 @@ class TallyTable {
     std::int32_t count;
     float metric;
 
-    const char* text() const { return reinterpret_cast<const char*>(this + 1); }
-    bool Is(std::uint32_t key_tag, std::string_view key) const {
-      return tag == key_tag && length == key.size() &&
-             std::memcmp(text(), key.data(), key.size()) == 0;
+    std::string_view key() const { return {reinterpret_cast<const char*>(this + 1), length}; }
+    bool Is(std::uint32_t key_tag, std::string_view text) const {
+      return tag == key_tag && key() == text;
     }
   };
   struct Bucket {
