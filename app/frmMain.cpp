@@ -10,6 +10,7 @@
 #include "config/text.h"
 #include "logread/mdlFilters.h"
 #include "platform/clock.h"
+#include "platform/mod_systemInfo.h"
 #include "stats/mdlWebPage.h"
 
 namespace frmMain {
@@ -125,6 +126,7 @@ int Form_Load(const std::string& command_line) {
   mdlConfigs::ResetPagesWritten();
   mdlWebPage::BuildLookupTables();
   ParseCommandLine(command_line);
+  mod_systemInfo::AllowBoxes(!Run().BatchMode);
   if (start_window_unloaded) return kExitNotStarted;
   if (Run().CatchUpMode) return ExitCode(CatchUp());
   if (Run().BatchMode) return ExitCode(BatchRun());

@@ -54,8 +54,7 @@ bool ReadFlag(std::string_view name) { return ReadSetting(name, "False") == "Tru
 void SaveSetting(const std::string& name, const std::string& value) {
   const std::int32_t result = mdlRegistry::SaveSetting(Run().SiteName, name, value);
   if (result != platform::kStoreSuccess) {
-    LogWarning(": Unable to store setting " + RegistryPath(name) + " : " +
-               std::to_string(result));
+    LogWarning(": Unable to store setting " + RegistryPath(name) + " : " + std::to_string(result));
   }
 }
 

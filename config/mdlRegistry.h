@@ -61,8 +61,7 @@ std::int32_t DeleteSiteKey(const std::string& branch, const std::string& name);
 std::string ReadSetting(const std::string& site, std::string_view name,
                         const std::string& fallback);
 // Creates the section when it is missing. Returns the store's error code.
-std::int32_t SaveSetting(const std::string& site, const std::string& name,
-                         std::string_view value);
+std::int32_t SaveSetting(const std::string& site, const std::string& name, std::string_view value);
 
 // The names of all sites that have a section, in the store's order.
 std::vector<std::string> SiteNames();

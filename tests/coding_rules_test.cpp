@@ -25,7 +25,7 @@ const std::map<std::string, std::set<std::string>> kArrows = {
     {"app", {"report", "logread", "stats", "config", "platform"}},
     {"ui", {"app", "report", "logread", "stats", "config", "platform"}},
     {"tools", {"config", "platform"}},
-    {"bench", {"app", "report", "logread", "stats", "config", "platform"}},
+    {"bench", {"app", "report", "logread", "stats", "config", "platform", "tests"}},
 };
 
 struct SourceFile {
