@@ -4,7 +4,7 @@ BUILD_PACKAGES = g++ cmake ninja-build
 TEST_PACKAGES = $(BUILD_PACKAGES) libgtest-dev libgmock-dev python3 faketime tzdata
 BENCH_PACKAGES = $(BUILD_PACKAGES) libbenchmark-dev python3
 WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix
-WINE_PACKAGES = $(WINDOWS_PACKAGES) $(TEST_PACKAGES) googletest wine64
+WINE_PACKAGES = $(WINDOWS_PACKAGES) $(TEST_PACKAGES) googletest wine wine64
 FORMAT_PACKAGES = clang-format git
 
 # Extra arguments of the configuration step, such as -DHITWICK_WERROR=ON.

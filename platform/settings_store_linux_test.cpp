@@ -135,6 +135,12 @@ TEST_F(SettingsIniTest, EnumerationIsInTheOrderOfTheFile) {
   TheSettingsStore().CloseKey(key);
 }
 
+TEST_F(SettingsIniTest, ValuesKeepTheOrderInWhichTheyWereWritten) {
+  for (const char* name : {"name", "includes", "field"}) Save("web1", name, "1");
+  Save("web1", "includes", "2");
+  EXPECT_NE(Ini().find("name=1\nincludes=2\nfield=1\n"), std::string::npos) << Ini();
+}
+
 TEST_F(SettingsIniTest, KeysOutsideTheBranchAreNotThere) {
   WriteIni("[web1]\n");
   Key key = 0;
