@@ -6,11 +6,14 @@
 #include "config/mdlRegistry.h"
 #include "config/text.h"
 #include "platform/settings_store.h"
+#include "stats/hashed_key.h"
 
 namespace mdlFilters {
 namespace {
 
 constexpr std::string_view kFiltersKey = "Filters";
+constexpr std::size_t kRememberedValues = 4096;  // per field
+constexpr std::size_t kLongestRemembered = 512;  // bytes
 
 std::vector<FilterRule> rules;
 
@@ -101,7 +104,7 @@ void DeleteFilter(std::int16_t index) {
 }
 
 Verdict CheckFilters(std::string_view fieldName, std::string_view value) {
-  return FieldRules(fieldName).Check(value);
+  return FieldRules(fieldName).Evaluate(value);
 }
 
 FieldRules::FieldRules(std::string_view fieldName) {
@@ -112,7 +115,21 @@ FieldRules::FieldRules(std::string_view fieldName) {
   }
 }
 
-Verdict FieldRules::Check(std::string_view value) const {
+Verdict FieldRules::Check(std::string_view value) {
+  if (rules_.empty()) return Verdict::kKeep;
+  if (value.size() > kLongestRemembered) return Evaluate(value);
+  const std::uint64_t hash = stats::HashText(value);
+  if (memory_.empty()) memory_.resize(kRememberedValues);
+  Remembered& place = memory_[hash % kRememberedValues];
+  if (!place.verdict || place.hash != hash || place.value != value) {
+    place.verdict = Evaluate(value);
+    place.hash = hash;
+    place.value = value;
+  }
+  return *place.verdict;
+}
+
+Verdict FieldRules::Evaluate(std::string_view value) const {
   Verdict verdict = Verdict::kKeep;
   for (const Prepared& rule : rules_) {
     if (!rule.pattern) return Verdict::kBadPattern;

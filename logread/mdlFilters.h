@@ -55,14 +55,23 @@ class FieldRules {
   FieldRules() = default;
   explicit FieldRules(std::string_view fieldName);
   bool empty() const { return rules_.empty(); }
-  Verdict Check(std::string_view value) const;
+  // What the rules say of one value.
+  Verdict Evaluate(std::string_view value) const;
+  // The same. Logs repeat their values, so the verdicts on recent ones are remembered.
+  Verdict Check(std::string_view value);
 
  private:
+  struct Remembered {
+    std::string value;
+    std::uint64_t hash = 0;
+    std::optional<Verdict> verdict;  // nothing: an empty place
+  };
   struct Prepared {
     bool includes;
     std::optional<LikePattern> pattern;  // nothing when it cannot be understood
   };
   std::vector<Prepared> rules_;
+  std::vector<Remembered> memory_;  // one place for each of some hash values
 };
 
 // Adds the rules stored under the site's "\Filters" key, replacing those of the same name; never

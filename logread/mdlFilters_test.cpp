@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -140,7 +141,7 @@ TEST_F(Filters, UnusablePatternIsAnErrorWhereverItStands) {
 
 TEST_F(Filters, PreparedRulesKeepWhatTheListHeld) {
   Exclude("posts", "cs-method", "POST");
-  const FieldRules prepared("cs-method");
+  FieldRules prepared("cs-method");
   mdlFilters::Reset();
   EXPECT_FALSE(prepared.empty());
   EXPECT_EQ(prepared.Check("POST"), Verdict::kSkip);
@@ -280,6 +281,22 @@ TEST_F(Filters, ListingThatBreaksOffKeepsWhatWasRead) {
   mdlFilters::LoadFilters("web1");
   EXPECT_THAT(Names(), ElementsAre("one"));
   EXPECT_EQ(log_.CountWith("web1\\Filters) : 5"), 1);
+}
+
+TEST_F(Filters, RememberedVerdictsAreThoseOfTheRules) {
+  mdlFilters::SetFilter("Ex_digit", false, "cs-uri-stem", "*7#*");
+  mdlFilters::SetFilter("In_slash", true, "cs-uri-stem", "/*");
+  mdlFilters::FieldRules rules("cs-uri-stem");
+  std::mt19937 random(7);
+  for (int i = 0; i < 100000; ++i) {
+    const auto number = std::to_string(random() % 20000);
+    const std::string value =
+        (i % 3 == 0 ? "" : "/") + number + std::string(i % 50 == 0 ? 600 : 0, 'x');
+    ASSERT_EQ(rules.Check(value), rules.Evaluate(value)) << value;
+  }
+  EXPECT_EQ(rules.Check(""), mdlFilters::Verdict::kSkip);
+  EXPECT_EQ(rules.Check("/a71"), mdlFilters::Verdict::kSkip);
+  EXPECT_EQ(rules.Check("/a7"), mdlFilters::Verdict::kKeep);
 }
 
 TEST_F(Filters, SavedRulesHoldTheirFourValues) {

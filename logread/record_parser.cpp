@@ -222,7 +222,7 @@ class RecordReader {
   }
 
   void Check(Field field, std::string_view value) {
-    const mdlFilters::FieldRules& rules = reading.rules[static_cast<std::size_t>(field)];
+    mdlFilters::FieldRules& rules = reading.rules[static_cast<std::size_t>(field)];
     if (rules.empty()) return;
     const mdlFilters::Verdict verdict = rules.Check(value);
     if (verdict == mdlFilters::Verdict::kBadPattern) throw stats::Fault("Invalid pattern string");

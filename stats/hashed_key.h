@@ -17,6 +17,8 @@ struct HashedKey {
   HashedKey(std::string_view key) : text(key), hash(HashText(key)) {}      // NOLINT
   HashedKey(const std::string& key) : HashedKey(std::string_view(key)) {}  // NOLINT
   HashedKey(const char* key) : HashedKey(std::string_view(key)) {}         // NOLINT
+  // With the hash that the same text had before in this process.
+  HashedKey(std::string_view key, std::uint64_t known_hash) : text(key), hash(known_hash) {}
 
   std::string_view text;
   std::uint64_t hash;

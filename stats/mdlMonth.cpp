@@ -46,16 +46,10 @@ class HitAdder {
         agent_(record.userAgent),
         address_(record.clientAddress),
         referrer_(record.referrer),
-        bytes_(static_cast<float>(record.bytesSent)) {
-    month_.SuccessUrls.Prefetch(uri_);
-    month_.Pages.Prefetch(uri_);
-    month_.UrlResponseTimes.Prefetch(uri_);
-    month_.UserAgents.Prefetch(agent_);
-    month_.ClientAddresses.Prefetch(address_);
-    month_.Referrers.Prefetch(referrer_);
-  }
+        bytes_(static_cast<float>(record.bytesSent)) {}
 
   void Add() {
+    mdlVisit::ExpectHit(address_, agent_);
     AddCounters();
     AddPeakHour();
     AddUri();

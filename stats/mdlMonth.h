@@ -46,10 +46,11 @@ class HourArray {
 
 // Entry and exit pages of visits; metric 1 per visit. Filled when a visit closes.
 struct VisitTables {
-  TallyTable AllEntry;
-  TallyTable AllExit;
-  TallyTable NonRobotEntry;
-  TallyTable NonRobotExit;
+  stats::KeyStore Keys{4};  // of the four tables below
+  TallyTable AllEntry{Keys, 0};
+  TallyTable AllExit{Keys, 1};
+  TallyTable NonRobotEntry{Keys, 2};
+  TallyTable NonRobotExit{Keys, 3};
 };
 
 // Single-precision counters, hit counts included. Bytes are bytes, times are milliseconds. The
@@ -81,7 +82,8 @@ struct MonthStats {
   DayArray DayFailures;  // hits whose status is no success status
   HourArray HourBytes, HourHits, HourFiles, HourPages, HourTimeTaken;
 
-  TallyTable SuccessUrls;
+  stats::KeyStore UriKeys{4};  // of SuccessUrls, Pages, FailedUrls and UrlResponseTimes
+  TallyTable SuccessUrls{UriKeys, 0};
   TallyTable RobotsTxtAgents;  // agents that fetched /robots.txt; kept from month to month
   TallyTable UserAgents;
   TallyTable ClientAddresses;
@@ -90,11 +92,11 @@ struct MonthStats {
   TallyTable StatusCodes;
   TallyTable Queries;  // search words of referrers
   TallyTable UserNames;
-  TallyTable Pages;
-  TallyTable FailedUrls;
+  TallyTable Pages{UriKeys, 1};
+  TallyTable FailedUrls{UriKeys, 3};
   TallyTable FailedReferrers;
-  TallyTable FileTypes;         // upper-case extensions
-  TallyTable UrlResponseTimes;  // metric: mean time taken
+  TallyTable FileTypes;                     // upper-case extensions
+  TallyTable UrlResponseTimes{UriKeys, 2};  // metric: mean time taken
   VisitTables Visits;
   TallyTable Browsers;          // filled by the page writer from UserAgents
   TallyTable OperatingSystems;  // likewise

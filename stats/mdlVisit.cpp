@@ -71,6 +71,7 @@ std::int32_t OpenVisit(const stats::HashedKey& clientIp, const stats::HashedKey&
   const std::int32_t slot = state.slots.Open(clientIp, userAgent);
   if (slot == VisitSlots::kNoSlot) stats::ThrowOverflow();
   stats::Visit& visit = state.slots[slot];
+  visit.HasRobotWord = mdlWebPage::HasRobotWord(userAgent.text);
   visit.EntryUri = uri;
   visit.StartTime = time;
   return slot;
@@ -98,6 +99,10 @@ void InitVisits() {
   state.tracking_error_reported = false;
 }
 
+void ExpectHit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent) {
+  state.slots.Prefetch(clientIp, userAgent);
+}
+
 void TrackVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent,
                 std::int32_t time, std::string_view uri, std::int32_t bytes) {
   try {
@@ -117,7 +122,8 @@ void CloseVisit(std::int16_t slot) {
   state.slots.Free(slot);
   std::int32_t seconds = visit.LastTime - visit.StartTime;
   if (seconds < 0) seconds += kSecondsOf31Days;
-  const bool robot = mdlWebPage::IsRobot(visit.UserAgent);
+  const bool robot =
+      visit.HasRobotWord || mdlWebPage::FetchedRobotsTxt({visit.UserAgent, visit.UserAgentHash});
   AddToBothBreakdowns(0, visit, seconds, robot);
   if (const int band = BandOf(seconds); band != 0) AddToBothBreakdowns(band, visit, seconds, robot);
   mdlMonth::VisitTables& tables = mdlMonth::Month().Visits;

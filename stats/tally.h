@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "stats/hashed_key.h"
+#include "stats/key_store.h"
 
 namespace stats {
 
@@ -25,7 +26,10 @@ struct TallyEntry {
 
 class TallyTable {
  public:
-  TallyTable() = default;
+  // A table with keys of its own.
+  TallyTable() : own_keys_(std::make_unique<KeyStore>()), keys_(own_keys_.get()) {}
+  // A table that shares its keys: `column` (0-based) of `keys`, which must outlive it.
+  TallyTable(KeyStore& keys, std::size_t column) : keys_(&keys), column_(column) {}
   TallyTable(const TallyTable&) = delete;
   TallyTable& operator=(const TallyTable&) = delete;
 
@@ -37,13 +41,7 @@ class TallyTable {
   TallyEntry At(std::int32_t rank);
   // The entry of exactly that key (letter case counts); false when there is none.
   bool Find(const HashedKey& key, TallyEntry* entry) const;
-  bool Contains(const HashedKey& key) const { return Lookup(key) != nullptr; }
-
-  // Asks the processor to fetch where a search for `key` will begin. A hit adds to several tables;
-  // asking for all of them first lets their cache misses overlap.
-  void Prefetch(const HashedKey& key) const {
-    if (!buckets_.empty()) __builtin_prefetch(&buckets_[Start(key)]);
-  }
+  bool Contains(const HashedKey& key) const { return Lookup(key) != KeyStore::kNone; }
 
   // One occurrence of `key`. Throws `Fault` on overflow of the count or the metric, and
   // std::bad_alloc when the table cannot grow; the entry may then have been counted already.
@@ -54,60 +52,37 @@ class TallyTable {
   void Clear();
 
  private:
-  // An entry, followed in memory by the bytes of its key, so that a search that has found its
-  // bucket touches one place more.
-  struct Row {
-    std::uint64_t last_add;  // sequence number of the latest addition
-    std::uint32_t tag;       // upper half of the hash: the start in the index, and a quick check
-    std::uint32_t length;    // of the key
-    std::int32_t count;
-    float metric;
+  using Ref = KeyStore::Ref;
+  using Cell = KeyStore::Cell;
 
-    std::string_view key() const { return {reinterpret_cast<const char*>(this + 1), length}; }
-    bool Is(std::uint32_t key_tag, std::string_view text) const {
-      return tag == key_tag && key() == text;
-    }
-  };
-  struct Bucket {
-    Row* row = nullptr;
-    std::uint32_t tag = 0;
-  };
   enum class Order {
     kByCount,   // count, then last_add; the first ranked_ rows of rank_ are in their places
     kByMetric,  // metric, then as kByCount; likewise
     kExplicit   // all of rank_: entries were added after SortByMetric
   };
 
-  static std::uint32_t TagOf(const HashedKey& key) {
-    return static_cast<std::uint32_t>(key.hash >> 32);
+  Cell& CellAt(Ref row) { return keys_->At(row, column_); }
+  const Cell& CellAt(Ref row) const { return keys_->At(row, column_); }
+  TallyEntry EntryAt(Ref row) const {
+    const Cell& cell = CellAt(row);
+    return {keys_->Key(row), cell.count, cell.metric};
   }
-  std::size_t Start(const HashedKey& key) const { return TagOf(key) & (buckets_.size() - 1); }
-  Row* Lookup(const HashedKey& key) const;
-  Row* Append(const HashedKey& key, float value);
-  void* Allocate(std::size_t size);
-  void GrowIndex();
-  void EnterInIndex(Row* row);
-  void CountAgain(Row& row, float value, bool averaging);
-  bool Precedes(const Row& a, const Row& b) const;
+  Ref Lookup(const HashedKey& key) const;
+  void Enter(Ref row, float value);
+  void CountAgain(Cell& cell, float value, bool averaging);
+  bool Precedes(const Cell& a, const Cell& b) const;
   void EnsureRanked(std::size_t count);
   void MakeOrderExplicit();
-  void MoveForward(const Row* row);
+  void MoveForward(Ref row);
 
-  struct Block {
-    std::unique_ptr<std::uint64_t[]> words;
-    std::size_t size = 0;  // in words
-  };
-
-  std::vector<Row*> rows_;       // in order of first addition
-  std::vector<Bucket> buckets_;  // open addressing, a power of two in size
-  std::vector<Block> blocks_;    // where the rows lie
-  std::size_t block_ = 0;        // the block being filled
-  std::size_t block_used_ = 0;   // in words
+  std::unique_ptr<KeyStore> own_keys_;
+  KeyStore* const keys_;
+  const std::size_t column_ = 0;
+  std::vector<Ref> rows_;  // in order of first addition
   std::uint64_t additions_ = 0;
   std::int32_t upper_index_ = 1;
-  Row* last_row_ = nullptr;  // the row of the previous addition: log lines repeat themselves
   Order order_ = Order::kByCount;
-  std::vector<Row*> rank_;
+  std::vector<Ref> rank_;
   std::size_t ranked_ = 0;
 };
 

@@ -7,6 +7,7 @@
 namespace stats {
 namespace {
 
+constexpr std::size_t kCacheLine = 64;
 constexpr std::int32_t kNotOpen = std::numeric_limits<std::int32_t>::max();
 
 std::uint64_t VisitorHash(const HashedKey& clientIp, const HashedKey& userAgent) {
@@ -16,19 +17,32 @@ std::uint64_t VisitorHash(const HashedKey& clientIp, const HashedKey& userAgent)
 }  // namespace
 
 VisitSlots::VisitSlots()
-    : visits_(kFirstCapacity), index_(kIndexSize, 0), last_times_(2 * kLeaves, kNotOpen) {}
+    : visits_(kFirstCapacity),
+      hashes_(kFirstCapacity),
+      index_(kIndexSize, 0),
+      last_times_(2 * kLeaves, kNotOpen) {}
 
-std::int32_t VisitSlots::Find(const HashedKey& clientIp, const HashedKey& userAgent) const {
-  const std::uint64_t hash = VisitorHash(clientIp, userAgent);
-  for (std::size_t i = IndexStart(hash); index_[i] != 0; i = (i + 1) % kIndexSize) {
-    const std::int32_t slot = index_[i] - 1;
-    const Visit& visit = visits_[static_cast<std::size_t>(slot)];
-    if (visit.VisitorHash == hash && visit.ClientIp == clientIp.text &&
-        visit.UserAgent == userAgent.text) {
-      return slot;
-    }
+template <class Accept>
+std::int32_t VisitSlots::FirstWithHash(std::uint64_t hash, Accept accept) const {
+  for (std::size_t i = (hash >> 32) % kIndexSize; index_[i] != 0; i = (i + 1) % kIndexSize) {
+    const std::size_t slot = index_[i] - std::size_t{1};
+    if (hashes_[slot] == hash && accept(visits_[slot])) return static_cast<std::int32_t>(slot);
   }
   return kNoSlot;
+}
+
+std::int32_t VisitSlots::Find(const HashedKey& clientIp, const HashedKey& userAgent) const {
+  return FirstWithHash(VisitorHash(clientIp, userAgent), [&](const Visit& visit) {
+    return visit.ClientIp == clientIp.text && visit.UserAgent == userAgent.text;
+  });
+}
+
+void VisitSlots::Prefetch(const HashedKey& clientIp, const HashedKey& userAgent) const {
+  FirstWithHash(VisitorHash(clientIp, userAgent), [](const Visit& visit) {
+    const char* const bytes = reinterpret_cast<const char*>(&visit);
+    for (std::size_t at = 0; at < sizeof visit; at += kCacheLine) __builtin_prefetch(bytes + at);
+    return true;
+  });
 }
 
 std::int32_t VisitSlots::FirstIdleSince(std::int32_t time) const {
@@ -48,9 +62,10 @@ std::int32_t VisitSlots::Open(const HashedKey& clientIp, const HashedKey& userAg
   visit.InUse = true;
   visit.Fetches = 0;
   visit.Bytes = 0;
-  visit.VisitorHash = VisitorHash(clientIp, userAgent);
   visit.ClientIp = clientIp.text;
   visit.UserAgent = userAgent.text;
+  visit.UserAgentHash = userAgent.hash;
+  hashes_[static_cast<std::size_t>(slot)] = VisitorHash(clientIp, userAgent);
   EnterInIndex(slot);
   return slot;
 }
@@ -67,6 +82,7 @@ std::int32_t VisitSlots::TakeLowestFree() {
   if (count_ == capacity_ && capacity_ < kMostSlots) {
     capacity_ = std::min(2 * capacity_, kMostSlots);
     visits_.resize(static_cast<std::size_t>(capacity_));
+    hashes_.resize(static_cast<std::size_t>(capacity_));
   }
   return slot;
 }
@@ -104,7 +120,7 @@ void VisitSlots::SetLeaf(std::int32_t slot, std::int32_t value) {
 }
 
 void VisitSlots::EnterInIndex(std::int32_t slot) {
-  std::size_t i = IndexStart(visits_[static_cast<std::size_t>(slot)].VisitorHash);
+  std::size_t i = IndexStart(slot);
   while (index_[i] != 0) i = (i + 1) % kIndexSize;
   index_[i] = static_cast<std::uint16_t>(slot + 1);
 }
@@ -112,11 +128,10 @@ void VisitSlots::EnterInIndex(std::int32_t slot) {
 // Later entries of the run move up into the gap unless they start after it, so that every search
 // still finds its entry before an empty place.
 void VisitSlots::RemoveFromIndex(std::int32_t slot) {
-  std::size_t gap = IndexStart(visits_[static_cast<std::size_t>(slot)].VisitorHash);
+  std::size_t gap = IndexStart(slot);
   while (index_[gap] != slot + 1) gap = (gap + 1) % kIndexSize;
   for (std::size_t i = (gap + 1) % kIndexSize; index_[i] != 0; i = (i + 1) % kIndexSize) {
-    const std::size_t start =
-        IndexStart(visits_[static_cast<std::size_t>(index_[i] - 1)].VisitorHash);
+    const std::size_t start = IndexStart(index_[i] - 1);
     if ((i - start) % kIndexSize >= (i - gap) % kIndexSize) {
       index_[gap] = index_[i];
       gap = i;
