@@ -67,6 +67,8 @@ def compare_events(expected, actual):
         parts = map(re.escape, pattern.split(b"@ERROR@"))
         return re.fullmatch(b".+".join(parts), line, re.DOTALL)
 
+    # Whether the machine's name server answers is no matter of the case.
+    actual = [line for line in actual if b"Hitwick: Name lookups timed out" not in line]
     if len(expected) == len(actual) and all(map(fits, expected, actual)):
         return []
     diff = difflib.unified_diff([line.decode("latin-1") for line in expected],
