@@ -1,5 +1,6 @@
 """A throw-away home for one run of the program: folders, settings, frozen clock, event log."""
 
+import functools
 import os
 import re
 import shutil
@@ -15,8 +16,10 @@ def host_name():
     return "".join(c for c in socket.gethostname() if 45 <= ord(c) <= 122)
 
 
+@functools.lru_cache(maxsize=None)
 def loopback_name():
-    """The name that this computer gives to 127.0.0.1."""
+    """The name that this computer gives to 127.0.0.1. Asked for once: without a hosts file it is
+    the name server that answers, or keeps silent."""
     try:
         return socket.gethostbyaddr("127.0.0.1")[0]
     except OSError:
