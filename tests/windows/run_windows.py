@@ -118,6 +118,26 @@ class Settings(WindowsTest):
             "UsageDir": ("REG_SZ", windows_path(usage)),
         })
 
+    def test_values_added_at_a_prompt_are_obeyed(self):
+        logs, usage = self.make_folder("logs"), self.make_folder("usage")
+        (logs / "u_ex160106.log").write_bytes(b"#Fields: date time c-ip cs-method cs-uri-stem\r\n"
+                                              b"2016-01-06 10:00:00 192.0.2.1 GET /a.htm\r\n"
+                                              b"2016-01-06 10:00:00 192.0.2.1 POST /b.htm\r\n")
+        wine.add_value(self.site, "IISLogDir", windows_path(logs))
+        wine.add_value(self.site, "UsageDir", windows_path(usage))
+        wine.add_value(self.site, "UseUTC", "True")
+        wine.add_value(self.site, "GenerateCSV", "True")
+        rule = self.site + r"\Filters\NoPosts"
+        for name, text in (("name", "NoPosts"), ("includes", "False"), ("field", "cs-method"),
+                           ("pattern", "POST")):
+            wine.add_value(rule, name, text)
+        noon = 1452254400  # 2016-01-08 12:00 UTC
+        code, _, _ = hitwick("/BATCH", "/SITE=" + self.site, epoch=noon)
+        self.assertEqual(code, 0)
+        totals = (usage / "Jan-Summary.csv").read_bytes().split(b"\r\n")[0]
+        self.assertEqual(totals, b'"Total Hits",0.125,1')
+        self.assertIn(b"NoPosts: exclude where cs-method like POST", (usage / "Jan.htm").read_bytes())
+
     def test_a_folder_without_logs_ends_the_run(self):
         logs, usage = self.make_folder("logs"), self.make_folder("usage")
         self.store_site(logs, usage)

@@ -80,5 +80,11 @@ class Wine:
         rows = re.findall(r"^ {4}(\S.*?) {4}(REG_\w+) {4}(.*?)\r?$", output, re.MULTILINE)
         return {name: (kind, text) for name, kind, text in rows}
 
+    def add_value(self, key, name, text):
+        """Writes one value as an administrator does at a prompt."""
+        code, _, errors = self("reg", "add", f"{BRANCH}\\{key}", "/v", name, "/d", text, "/f")
+        if code != 0:
+            raise RuntimeError("reg add failed: " + errors)
+
     def forget(self, key):
         self("reg", "delete", f"{BRANCH}\\{key}", "/f")
