@@ -6,13 +6,14 @@ BENCH_PACKAGES = $(BUILD_PACKAGES) libbenchmark-dev python3
 WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix
 WINE_PACKAGES = $(WINDOWS_PACKAGES) $(TEST_PACKAGES) googletest wine wine64
 FORMAT_PACKAGES = clang-format git
+TIDY_PACKAGES = $(TEST_PACKAGES) clang-tidy git
 
 # Extra arguments of the configuration step, such as -DHITWICK_WERROR=ON.
 CONFIGURE =
 
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
-.PHONY: build demo test test-asan bench windows test-windows format check-format clean
+.PHONY: build demo test test-asan bench windows test-windows format check-format tidy clean
 
 build:
 	tools/need.sh $(BUILD_PACKAGES)
@@ -60,6 +61,12 @@ format:
 check-format:
 	tools/need.sh $(FORMAT_PACKAGES)
 	$(SOURCES) | xargs clang-format --dry-run --Werror
+
+tidy:
+	tools/need.sh $(TIDY_PACKAGES)
+	cmake --preset release -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset release
+	git ls-files '*.cpp' ':!*_windows*' ':!bench' | xargs -P2 -n4 clang-tidy -p build/release --quiet
 
 clean:
 	rm -rf build demo

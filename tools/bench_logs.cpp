@@ -150,7 +150,8 @@ class BenchLogs {
 
   std::int64_t TimeOfLine(std::uint64_t index) const {
     const double share = static_cast<double>(index) / static_cast<double>(plan_.lines);
-    return static_cast<std::int64_t>(share * static_cast<double>(pace_.span_ms / 1000));
+    const auto span_seconds = pace_.span_ms / 1000;
+    return static_cast<std::int64_t>(share * static_cast<double>(span_seconds));
   }
 
   void BeginVisit(Slot& slot) {
