@@ -1,6 +1,5 @@
 #include "app/frmMain.h"
 
-#include <algorithm>
 #include <iostream>
 
 #include "app/run_driver.h"

@@ -17,4 +17,9 @@ std::string PlainNumber(double value) {
   return std::string(begin, result.ptr);
 }
 
+std::string TwoDigits(int number) {
+  const std::string digits = std::to_string(number);
+  return digits.size() < 2 ? "0" + digits : digits;
+}
+
 }  // namespace text

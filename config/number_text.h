@@ -11,6 +11,9 @@ namespace text {
 // back as the same double.
 std::string PlainNumber(double value);
 
+// A number of 0 or more with at least two digits, zero-padded.
+std::string TwoDigits(int number);
+
 }  // namespace text
 
 #endif  // HITWICK_CONFIG_NUMBER_TEXT_H_

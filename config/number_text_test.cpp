@@ -53,4 +53,11 @@ TEST(PlainNumber, ReadsBackAsTheSameNumber) {
   }
 }
 
+TEST(TwoDigits, PadsOneDigitAndKeepsMore) {
+  EXPECT_EQ(text::TwoDigits(0), "00");
+  EXPECT_EQ(text::TwoDigits(7), "07");
+  EXPECT_EQ(text::TwoDigits(31), "31");
+  EXPECT_EQ(text::TwoDigits(150), "150");
+}
+
 }  // namespace

@@ -31,14 +31,6 @@ std::optional<Integer> ToInteger(std::string_view text, bool signs) {
 
 }  // namespace
 
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (ToLower(a[i]) != ToLower(b[i])) return false;
-  }
-  return true;
-}
-
 std::size_t FindIgnoringCase(std::string_view text, std::string_view needle, std::size_t from) {
   const char first = ToLower(needle.front());
   for (std::size_t i = from; i + needle.size() <= text.size(); ++i) {

@@ -9,16 +9,20 @@
 #include <string>
 #include <string_view>
 
+#include "platform/names.h"
+
 namespace text {
 
 inline constexpr std::size_t kNone = std::string_view::npos;
 
-constexpr char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+constexpr char ToLower(char c) { return platform::LowerCase(c); }
 constexpr char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Equality without regard to letter case.
-bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+inline bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  return platform::SameName(a, b);
+}
 // The position of `needle` in `text` at or after `from`, without regard to letter case; kNone when
 // it does not occur. `needle` is not empty.
 std::size_t FindIgnoringCase(std::string_view text, std::string_view needle, std::size_t from = 0);

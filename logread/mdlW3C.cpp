@@ -5,6 +5,7 @@
 
 #include "config/calendar.h"
 #include "config/mdlConfigs.h"
+#include "config/number_text.h"
 #include "config/text.h"
 #include "logread/line_reader.h"
 #include "logread/mdlTZ.h"
@@ -28,19 +29,14 @@ struct PeriodArguments {
 
 bool QuitRequested() { return mdlConfigs::Run().Ui.quit_requested; }
 
-std::string AtLeastTwoDigits(int number) {
-  const std::string digits = std::to_string(number);
-  return digits.size() < 2 ? "0" + digits : digits;
-}
-
 // The year in a log file's name. Up to 2000 the year number is taken as a date serial number and
 // the two-digit year of that date is used; IIS logs of such years do not exist.
 std::string YearDigits(int year) {
-  if (year > 2000) return AtLeastTwoDigits(year - 2000);
-  return AtLeastTwoDigits(calendar::AddDays(kDateSerialZero, year).year % 100);
+  if (year > 2000) return text::TwoDigits(year - 2000);
+  return text::TwoDigits(calendar::AddDays(kDateSerialZero, year).year % 100);
 }
 
-std::string MonthDigits(int year, int month) { return YearDigits(year) + AtLeastTwoDigits(month); }
+std::string MonthDigits(int year, int month) { return YearDigits(year) + text::TwoDigits(month); }
 
 // Reads one file that was found; false when the user asked to quit.
 bool ProcessFile(const std::string& name, const PeriodArguments& period) {
@@ -57,7 +53,7 @@ bool ProcessFile(const std::string& name, const PeriodArguments& period) {
 bool ReadNeighbourDay(const calendar::Date& date, const PeriodArguments& period) {
   for (const std::string_view prefix : kPrefixes) {
     const std::string stem =
-        std::string(prefix) + MonthDigits(date.year, date.month) + AtLeastTwoDigits(date.day);
+        std::string(prefix) + MonthDigits(date.year, date.month) + text::TwoDigits(date.day);
     const auto names =
         platform::TheFileSystem().ListFiles(mdlConfigs::Run().Settings.LogDir, stem, kLogSuffix);
     for (const std::string& name : names) {

@@ -1,5 +1,6 @@
 // Names as the settings store and the file listings compare them: letter case of A to Z ignored,
-// every other byte taken as it is. Used inside platform/ and by the fakes that stand in for it.
+// every other byte taken as it is. Used inside platform/, by the fakes that stand in for it, and by
+// the text helpers above.
 #ifndef HITWICK_PLATFORM_NAMES_H_
 #define HITWICK_PLATFORM_NAMES_H_
 
@@ -10,16 +11,17 @@
 
 namespace platform {
 
+constexpr char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+
 inline std::string LowerCased(std::string_view name) {
   std::string lower(name);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-  }
+  for (char& c : lower) c = LowerCase(c);
   return lower;
 }
 
 inline bool SameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && LowerCased(a) == LowerCased(b);
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return LowerCase(x) == LowerCase(y); });
 }
 
 // True when `name` begins with `prefix` and, behind it, ends with `suffix`.

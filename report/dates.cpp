@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "config/calendar.h"
+#include "config/number_text.h"
 #include "logread/mdlTZ.h"
 #include "platform/clock.h"
 #include "platform/environment.h"
@@ -18,11 +19,6 @@ constexpr std::array<std::string_view, 7> kWeekdays = {"Sun", "Mon", "Tue", "Wed
 constexpr std::array<std::string_view, 12> kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
-std::string TwoDigits(int number) {
-  const std::string digits = std::to_string(number);
-  return digits.size() < 2 ? "0" + digits : digits;
-}
-
 }  // namespace
 
 std::string ExpiryTime() {
@@ -35,15 +31,16 @@ std::string ExpiryTime() {
   const auto weekday = static_cast<std::size_t>(calendar::Weekday(date));
   return std::string(kWeekdays[weekday]) + ", " + std::to_string(date.day) + " " +
          std::string(kMonths[static_cast<std::size_t>(date.month) - 1]) + " " +
-         std::to_string(date.year) + " " + TwoDigits(minutes / 60) + ":" + TwoDigits(minutes % 60) +
-         ":" + TwoDigits(now.second);
+         std::to_string(date.year) + " " + text::TwoDigits(minutes / 60) + ":" +
+         text::TwoDigits(minutes % 60) + ":" + text::TwoDigits(now.second);
 }
 
 std::string GenerationTime(bool utc) {
   platform::Clock& clock = platform::TheClock();
   const platform::DateTime now = utc ? clock.UtcNow() : clock.LocalNow();
   return std::to_string(now.day) + "-" + platform::MonthAbbreviation(now.month) + "-" +
-         std::to_string(now.year) + " " + TwoDigits(now.hour) + ":" + TwoDigits(now.minute);
+         std::to_string(now.year) + " " + text::TwoDigits(now.hour) + ":" +
+         text::TwoDigits(now.minute);
 }
 
 int DaysCounted(int month, int year) {
