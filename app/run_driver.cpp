@@ -54,7 +54,12 @@ void ReportMonth(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month
                  std::int16_t year) {
   if (Run().Settings.LogFormat != "W3C") return;
   mdlW3C::ReadMonthLogs(firstDay, lastDay, month, year, mdlYear::AddHistoryRow);
+  if (Run().Ui.quit_requested) return;  // half a month makes no page
   WriteMonthReport(firstDay, lastDay, month, year);
+}
+
+void ShowMonthsDone(int done, int all) {
+  if (Run().Ui.show_months_done) Run().Ui.show_months_done(done, all);
 }
 
 }  // namespace
@@ -65,8 +70,10 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
   mdlYear::LoadHistory();
   std::int16_t month = firstMonth;
   std::int16_t year = firstYear;
-  for (;;) {
+  const int all_months = (lastYear - firstYear) * 12 + lastMonth - firstMonth + 1;
+  for (int months_done = 1;; ++months_done) {
     ReportMonth(firstDay, lastDay, month, year);
+    ShowMonthsDone(months_done, all_months);
     if (month == lastMonth && year == lastYear) break;
     if (month != 12) {
       ++month;
@@ -75,6 +82,7 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
       ++year;
     }
     if (Run().Ui.process_pending_events) Run().Ui.process_pending_events();
+    if (Run().Ui.quit_requested) break;
   }
   if (!Run().OnDemandMode) mdlYear::SaveHistory();
   return 0;

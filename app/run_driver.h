@@ -1,8 +1,7 @@
 // The run driver: walks a range of months, reads each month's logs, writes its page and finally
 // the last-12-months page.
 //
-// State: whether every page of this run could be written. Called by start-up and, later, by the
-// windows.
+// State: whether every page of this run could be written. Called by start-up and by the windows.
 #ifndef HITWICK_APP_RUN_DRIVER_H_
 #define HITWICK_APP_RUN_DRIVER_H_
 
@@ -12,6 +11,8 @@ namespace mdlConfigs {
 
 // Reads and reports every month from (firstMonth, firstYear) to (lastMonth, lastYear) inclusive,
 // restricted to days firstDay..lastDay of each. Months are 1..12, years four digits. Always 0.
+// When quitting is asked for, the month being read gets no page and later ones are left alone; the
+// history of the months before is kept.
 std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t firstMonth,
                        std::int16_t lastMonth, std::int16_t firstYear, std::int16_t lastYear);
 

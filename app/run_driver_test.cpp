@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/run_fixture.h"
@@ -100,6 +101,36 @@ TEST_F(RunPeriodTest, LetsTheWindowsReactBetweenTheMonths) {
   State().Ui.process_pending_events = [&events] { ++events; };
   RunMonths(11, 2025, 2, 2026);
   EXPECT_EQ(events, 3) << "no logs, so no events from files";
+}
+
+TEST_F(RunPeriodTest, TellsHowManyMonthsAreDone) {
+  std::vector<std::pair<int, int>> shown;
+  State().Ui.show_months_done = [&shown](int done, int all) { shown.emplace_back(done, all); };
+  RunMonths(11, 2025, 1, 2026);
+  EXPECT_EQ(shown, (std::vector<std::pair<int, int>>{{1, 3}, {2, 3}, {3, 3}}));
+}
+
+TEST_F(RunPeriodTest, QuittingBetweenMonthsKeepsWhatIsDone) {
+  AddLog("ex251115.log", "a /november\n");
+  int events = 0;
+  State().Ui.process_pending_events = [&events] { State().Ui.quit_requested = ++events == 2; };
+  RunMonths(11, 2025, 2, 2026);
+  EXPECT_EQ(files_.committed, (List{PageOfMonth(11), UsagePath("History.txt")}));
+}
+
+TEST_F(RunPeriodTest, QuittingWithinAMonthMakesNoPageOfHalfAMonth) {
+  AddLog("ex251115.log", "a /november\n");
+  AddLog("ex251215.log", "a /december\n");
+  AddLog("ex251216.log", "a /december\n");
+  State().Ui.process_pending_events = [this] {
+    if (files_.opened.size() == 3) State().Ui.quit_requested = true;
+  };
+  RunMonths(11, 2025, 2, 2026);
+  EXPECT_EQ(files_.committed, (List{PageOfMonth(11), UsagePath("History.txt")}));
+  const std::string history = files_.Content(UsagePath("History.txt"));
+  State().Ui = {};
+  RunMonths(11, 2025, 11, 2025);
+  EXPECT_EQ(history, files_.Content(UsagePath("History.txt"))) << "no row of the second month";
 }
 
 TEST_F(RunPeriodTest, OnDemandLeavesTheHistoryAlone) {

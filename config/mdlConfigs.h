@@ -28,8 +28,9 @@ struct SiteSettings {
 // What a window wants to know of a run. Without windows the hooks stay empty.
 struct Progress {
   std::function<void(const std::string&)> show_status;  // the current activity, one line
-  std::function<void()> process_pending_events;         // lets the windows react
-  bool quit_requested = false;                          // the quit button was pressed
+  std::function<void(int done, int all)> show_months_done;
+  std::function<void()> process_pending_events;  // lets the windows react
+  bool quit_requested = false;                   // the quit button was pressed
 };
 
 struct RunState {
