@@ -10,6 +10,7 @@
 #include "logread/mdlFilters.h"
 #include "platform/clock.h"
 #include "platform/mod_systemInfo.h"
+#include "platform/window_system.h"
 #include "stats/mdlWebPage.h"
 
 namespace frmMain {
@@ -24,7 +25,32 @@ constexpr std::string_view kSiteSwitchFormat = ": Format for site name switch is
 // The site switch had no "=": the start window is unloaded and nothing runs.
 bool start_window_unloaded = false;
 
+bool windows_started = false;
+
 void WriteToStandardError(std::string_view text) { std::cerr << text << '\n' << std::flush; }
+
+// Starts the windows if they are not yet there. False when none can be shown; standard error then
+// says why, followed by `consequence`.
+bool StartWindows(std::string_view consequence) {
+  if (windows_started) return true;
+  std::string why_not;
+  windows_started = platform::TheWindowSystem().Start(&why_not);
+  if (!windows_started) WriteToStandardError("Hitwick: " + why_not + std::string(consequence));
+  return windows_started;
+}
+
+void SelectSite() {
+  if (!StartWindows(", so the site selection cannot be shown")) return;
+  platform::TheWindowSystem().SelectSite();
+}
+
+// The interactive run: the program lives on in the configuration window until it is closed.
+int InteractiveRun() {
+  if (!StartWindows("; use /BATCH or /C with /SITE=NAME (see --help)")) return kExitNotStarted;
+  platform::TheWindowSystem().ShowConfiguration();
+  platform::TheWindowSystem().RunUntilClosed();
+  return mdlConfigs::AllPagesWritten() ? kExitDone : kExitFailed;
+}
 
 calendar::Date Today() {
   const platform::DateTime now = platform::TheClock().LocalNow();
@@ -88,10 +114,7 @@ void ApplySwitch(std::string_view token) {
   if (contains("/C")) Run().CatchUpMode = true;
   if (contains("/D")) Run().LogTranslations = true;
   if (contains("/V")) mdlConfigs::TellUser("Hitwick version " + program::Version());
-  if (contains("/L")) {
-    WriteToStandardError(
-        "Hitwick: this build has no windows, so the site selection cannot be shown");
-  }
+  if (contains("/L")) SelectSite();
   if (const std::size_t site = text::FindIgnoringCase(token, "/S"); site != text::kNone) {
     ApplySiteSwitch(token, site);
   }
@@ -119,7 +142,10 @@ bool CatchUp() {
   return true;
 }
 
-int Form_Load(const std::string& command_line) {
+namespace {
+
+// The start-up sequence up to the end of the run that it chose.
+int StartUp(const std::string& command_line) {
   Run().OnDemandMode = false;
   start_window_unloaded = false;
   mdlConfigs::ResetPagesWritten();
@@ -129,9 +155,20 @@ int Form_Load(const std::string& command_line) {
   if (start_window_unloaded) return kExitNotStarted;
   if (Run().CatchUpMode) return ExitCode(CatchUp());
   if (Run().BatchMode) return ExitCode(BatchRun());
-  WriteToStandardError(
-      "Hitwick: this build has no windows; use /BATCH or /C with /SITE=NAME (see --help)");
-  return kExitNotStarted;
+  return InteractiveRun();
+}
+
+}  // namespace
+
+int Form_Load(const std::string& command_line) {
+  const int exit_code = StartUp(command_line);
+  Form_Terminate();
+  return exit_code;
+}
+
+void Form_Terminate() {
+  if (windows_started) platform::TheWindowSystem().Stop();
+  windows_started = false;
 }
 
 }  // namespace frmMain

@@ -1,4 +1,7 @@
 // Start-up: reads the command line and chooses the way to run (interactive, batch, catch-up).
+//
+// It is the start window of the program, which nobody sees: windows are started only for an
+// interactive run, or for the site selection that the command line asks for.
 #ifndef HITWICK_APP_FRMMAIN_H_
 #define HITWICK_APP_FRMMAIN_H_
 
@@ -12,8 +15,11 @@ inline constexpr int kExitDone = 0;        // all pages written
 inline constexpr int kExitFailed = 1;      // settings unusable, or a page could not be written
 inline constexpr int kExitNotStarted = 2;  // malformed site switch, or windows were asked for
 
-// The start-up sequence with the text after the program's name. Returns the exit code.
+// The start-up sequence with the text after the program's name, and the run that it chose. Returns
+// the exit code.
 int Form_Load(const std::string& command_line);
+// Ends the windows, if they were started.
+void Form_Terminate();
 
 // Splits the command line at blanks and tabs (quotation marks do not group) and applies each
 // token.

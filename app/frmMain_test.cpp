@@ -270,9 +270,62 @@ TEST_F(StartUp, MalformedSiteSwitchEndsACatchUpRunToo) {
   EXPECT_TRUE(files_.committed.empty());
 }
 
-TEST_F(StartUp, WindowsAreNotStarted) {
-  EXPECT_EQ(Form_Load(""), frmMain::kExitNotStarted);
+TEST_F(StartUp, WithoutASwitchForARunTheConfigurationIsShown) {
+  EXPECT_EQ(Form_Load("/SITE=web1"), frmMain::kExitDone);
+  EXPECT_EQ(windows_.calls, (List{"Start", "ShowConfiguration", "RunUntilClosed", "Stop"}));
   EXPECT_TRUE(files_.committed.empty());
+}
+
+TEST_F(StartUp, PageThatAWindowCouldNotWriteShowsInTheExitCode) {
+  windows_.user_acts = [this] {
+    UseLoadedSettings();
+    files_.create_failures[UsagePath("index.htm")] = 5;
+    mdlConfigs::WriteLast12MonthsPage();
+  };
+  EXPECT_EQ(Form_Load(""), frmMain::kExitFailed);
+}
+
+TEST_F(StartUp, WithoutADisplayNothingStartsAndTheReasonIsTold) {
+  windows_.can_start = false;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Form_Load(""), frmMain::kExitNotStarted);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Hitwick: there is no display; use /BATCH or /C with /SITE=NAME (see --help)\n");
+  EXPECT_EQ(windows_.calls, List{"Start"});
+}
+
+TEST_F(StartUp, UnattendedRunsNeverStartTheWindows) {
+  Form_Load("/BATCH /SITE=web1");
+  Form_Load("/C /SITE=web1");
+  Form_Load("/BATCH /SITE");
+  EXPECT_TRUE(windows_.calls.empty());
+}
+
+TEST_F(StartUp, SiteIsSelectedWhileTheCommandLineIsRead) {
+  windows_.user_selects = [this] {
+    EXPECT_EQ(State().SiteName, "web1");
+    EXPECT_FALSE(State().LogTranslations) << "the next token has not been read";
+    State().SiteName = "chosen";
+  };
+  EXPECT_EQ(Form_Load("/SITE=web1 /L /D"), frmMain::kExitDone);
+  EXPECT_EQ(windows_.calls,
+            (List{"Start", "SelectSite", "ShowConfiguration", "RunUntilClosed", "Stop"}));
+  EXPECT_EQ(log_.Texts(), (List{SiteEntry("web1"), SiteEntry("chosen"), SiteEntry("chosen")}));
+}
+
+TEST_F(StartUp, SelectedSiteIsTheOneOfABatchRun) {
+  windows_.user_selects = [this] { State().SiteName = "web1"; };
+  EXPECT_EQ(Form_Load("/L /BATCH"), frmMain::kExitDone);
+  EXPECT_EQ(windows_.calls, (List{"Start", "SelectSite", "Stop"}));
+  EXPECT_EQ(log_.CountWith("operating on site 'web1'"), 1);
+}
+
+TEST_F(StartUp, SelectionThatCannotBeShownIsTold) {
+  windows_.can_start = false;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Form_Load("/BATCH /L /SITE=web1"), frmMain::kExitDone);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Hitwick: there is no display, so the site selection cannot be shown\n");
 }
 
 TEST_F(StartUp, ClearsTheOnDemandMode) {

@@ -16,6 +16,7 @@
 #include "platform/file_system.h"
 #include "platform/mod_systemInfo.h"
 #include "platform/service.h"
+#include "platform/window_system.h"
 #include "report/mdlGenHTML.h"
 #include "stats/mdlDNS.h"
 #include "stats/mdlMonth.h"
@@ -23,6 +24,7 @@
 #include "tests/fakes/fake_file_system.h"
 #include "tests/fakes/fake_host_names.h"
 #include "tests/fakes/fake_settings_store.h"
+#include "tests/fakes/fake_window_system.h"
 #include "tests/fakes/recording_event_log.h"
 #include "tests/fakes/recording_message_boxes.h"
 
@@ -86,6 +88,7 @@ class RunTest : public testing::Test {
   fakes::FakeSettingsStore store_;
   fakes::RecordingEventLog log_;
   fakes::RecordingMessageBoxes boxes_;
+  fakes::FakeWindowSystem windows_;
   List statuses_;
 
  private:
@@ -105,6 +108,7 @@ class RunTest : public testing::Test {
   platform::Replacement<platform::SettingsStore> store_replacement_{store_};
   platform::Replacement<platform::EventLog> log_replacement_{log_};
   platform::Replacement<platform::MessageBoxes> box_replacement_{boxes_};
+  platform::Replacement<platform::WindowSystem> window_replacement_{windows_};
 };
 
 #endif  // HITWICK_APP_RUN_FIXTURE_H_

@@ -1,8 +1,9 @@
 // Boxes that tell the user something or ask a question.
 //
-// Windows: `MessageBox`. Linux, and wherever no window can be shown: the text goes to standard
-// error and a question counts as answered with no. Whether a box may appear at all (never in a
-// batch run) is decided by `mdlConfigs::TellUser`, not here.
+// Once the windows have started, their boxes are used. Before that, and in a build without windows:
+// `MessageBox` on Windows; on Linux the text goes to standard error and a question counts as
+// answered with no. Whether a box may appear at all (never in a batch run) is decided by
+// `mdlConfigs::TellUser`, not here.
 #ifndef HITWICK_PLATFORM_MESSAGE_BOX_H_
 #define HITWICK_PLATFORM_MESSAGE_BOX_H_
 
@@ -20,6 +21,9 @@ class MessageBoxes {
 };
 
 MessageBoxes& TheMessageBoxes();
+
+// From now on the program's boxes are these; null brings back those without windows.
+void UseMessageBoxes(MessageBoxes* boxes);
 
 }  // namespace platform
 

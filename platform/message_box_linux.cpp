@@ -24,11 +24,16 @@ class StandardError : public MessageBoxes {
   }
 };
 
+MessageBoxes* boxes_of_windows = nullptr;
+
 }  // namespace
 
 MessageBoxes& TheMessageBoxes() {
   static StandardError standard_error;
-  return InUse<MessageBoxes>(standard_error);
+  MessageBoxes* const real = boxes_of_windows != nullptr ? boxes_of_windows : &standard_error;
+  return InUse<MessageBoxes>(*real);
 }
+
+void UseMessageBoxes(MessageBoxes* boxes) { boxes_of_windows = boxes; }
 
 }  // namespace platform

@@ -25,11 +25,16 @@ class SystemMessageBoxes : public MessageBoxes {
   }
 };
 
+MessageBoxes* boxes_of_windows = nullptr;
+
 }  // namespace
 
 MessageBoxes& TheMessageBoxes() {
   static SystemMessageBoxes system;
-  return InUse<MessageBoxes>(system);
+  MessageBoxes* const real = boxes_of_windows != nullptr ? boxes_of_windows : &system;
+  return InUse<MessageBoxes>(*real);
 }
+
+void UseMessageBoxes(MessageBoxes* boxes) { boxes_of_windows = boxes; }
 
 }  // namespace platform
