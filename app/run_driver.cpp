@@ -5,11 +5,11 @@
 
 #include "config/mdlConfigs.h"
 #include "logread/mdlW3C.h"
-#include "platform/environment.h"
 #include "platform/file_system.h"
 #include "platform/mod_systemInfo.h"
 #include "report/mdlGenHTML.h"
 #include "report/mdlYear.h"
+#include "report/page_names.h"
 
 namespace mdlConfigs {
 namespace {
@@ -91,7 +91,7 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
 std::int16_t WriteMonthReport(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                               std::int16_t year) {
   const bool on_demand = Run().OnDemandMode;
-  const std::string name = on_demand ? Run().ReportName : platform::MonthAbbreviation(month);
+  const std::string name = on_demand ? Run().ReportName : report::MonthPageName(month);
   const std::string base_path = platform::JoinPath(Run().Settings.UsageDir, name);
   const std::string path = base_path + ".htm";
   LogInformation(": month report created : " + path);

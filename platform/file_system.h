@@ -17,6 +17,9 @@ namespace platform {
 // What stands between a folder and a file name: `\` on Windows, `/` elsewhere.
 extern const char kPathSeparator;
 
+// Whether a file's name may hold the byte.
+bool FitsInFileName(char c);
+
 // `folder`, the separator and `name`, joined as they stand.
 std::string JoinPath(std::string_view folder, std::string_view name);
 

@@ -14,6 +14,8 @@ namespace platform {
 
 const char kPathSeparator = '/';
 
+bool FitsInFileName(char c) { return c != '/' && c != '\0'; }
+
 namespace {
 
 class DescriptorInput : public InputFile {

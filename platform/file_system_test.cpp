@@ -173,6 +173,13 @@ TEST(JoinPathTest, JoinsThePartsAsTheyStand) {
   EXPECT_EQ(JoinPath("folder" + separator, "name"), "folder" + separator + separator + "name");
 }
 
+TEST(FileNameTest, SeparatorAndZeroFitInNoName) {
+  EXPECT_FALSE(FitsInFileName('/'));
+  EXPECT_FALSE(FitsInFileName('\0'));
+  EXPECT_FALSE(FitsInFileName(kPathSeparator));
+  for (const char c : std::string("aZ09 .-_'\xC3\xFF")) EXPECT_TRUE(FitsInFileName(c)) << c;
+}
+
 class FailingFilesTest : public testing::Test {
  protected:
   FailingFilesTest() { files_.AddFile(path_, "0123456789"); }

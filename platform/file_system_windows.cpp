@@ -264,6 +264,12 @@ class SystemFiles : public FileSystem {
 
 const char kPathSeparator = '\\';
 
+// The bytes of UTF-8 that are no ASCII are above the control characters.
+bool FitsInFileName(char c) {
+  return static_cast<unsigned char>(c) >= ' ' &&
+         std::string_view(R"(<>:"/\|?*)").find(c) == std::string_view::npos;
+}
+
 FileSystem& TheFileSystem() {
   static SystemFiles system;
   return InUse<FileSystem>(system);

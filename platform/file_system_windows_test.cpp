@@ -35,6 +35,12 @@ TEST(WindowsFiles, NamesOutsideAsciiAreUtf8) {
   DeleteFileW(platform::ToUtf16(path).c_str());
 }
 
+TEST(WindowsFiles, NamesHoldNoCharacterThatTheSystemRefuses) {
+  for (const char c : std::string("<>:\"/\\|?*\x1F\x01")) {
+    EXPECT_FALSE(platform::FitsInFileName(c)) << c;
+  }
+}
+
 TEST(WindowsFiles, PathsMayBeLongerThan260Characters) {
   const fakes::ScopedTempDir dir;
   std::wstring folder = L"\\\\?\\" + platform::ToUtf16(dir.path());

@@ -301,6 +301,14 @@ TEST_F(MonthPageText, EachCsvFileIsLinkedOnce) {
   }
 }
 
+TEST_F(MonthPageText, LinksToCsvFilesArePercentEncoded) {
+  Settings().GenerateCSV = true;
+  Write("f\xC3\xA9vr. 50% & <b>", {1, 31, 1, 2026});
+  EXPECT_TRUE(files_.Exists(UsagePath("f\xC3\xA9vr. 50% & <b>-Summary.csv")));
+  EXPECT_TRUE(Contains(
+      page_, "<a href=\"f%C3%A9vr.%2050%25%20%26%20%3Cb%3E-Summary.csv\">(Download)</a></small>"));
+}
+
 TEST_F(MonthPageText, SummaryCsvThatCannotBeCreatedLeavesHeadAndSummary) {
   Settings().GenerateCSV = true;
   files_.folders.clear();

@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "config/mdlConfigs.h"
-#include "config/text.h"
 #include "platform/environment.h"
 #include "platform/file_system.h"
 #include "report/dates.h"
+#include "report/page_names.h"
 #include "report/replace_file.h"
 #include "stats/mdlMonth.h"
 
@@ -37,7 +37,7 @@ std::string MonthPage::DownloadLink(std::string_view csv_name) const {
   const std::size_t folder_end = base_path_.rfind(platform::kPathSeparator);
   const std::string base_name =
       folder_end == std::string::npos ? base_path_ : base_path_.substr(folder_end + 1);
-  return " <small><a href=\"" + text::HtmlEscape(csv::FileName(base_name, csv_name)) +
+  return " <small><a href=\"" + LinkTo(csv::FileName(base_name, csv_name)) +
          "\">(Download)</a></small>";
 }
 

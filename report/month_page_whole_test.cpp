@@ -621,7 +621,7 @@ TEST_F(WholeMonthPage, CsvFilesAreWrittenInPageOrder) {
 
 TEST_F(WholeMonthPage, OnDemandHasItsOwnPeriodAndFileNames) {
   Settings().GenerateCSV = true;
-  base_ = "R&amp;D";
+  base_ = "R%26D";
   const mdlGenHTML::WriteResult result = Write("R&D", {2, 15, 1, 2026}, true);
   EXPECT_TRUE(result.ok);
   EXPECT_EQ(page_, WithLineEnds(ExpectedPage("2 - 15 " + month_year_)));

@@ -13,6 +13,7 @@
 #include "report/mdlYear.h"
 #include "report/numbers.h"
 #include "report/page_frame.h"
+#include "report/page_names.h"
 
 namespace mdlYear {
 namespace {
@@ -105,9 +106,9 @@ void WriteTableHeader(std::string& page) {
 
 void WriteRow(std::string& page, const HistoryRow& row) {
   const double days = report::DaysCounted(row.mon, row.yr);
-  const std::string name = platform::MonthAbbreviation(row.mon);
-  std::string cells = "<tr align=right><td><a href=" + name + ".htm>" + name + " " +
-                      std::to_string(row.yr) + "</a></td>";
+  std::string cells =
+      "<tr align=right><td><a href=" + report::LinkTo(report::MonthPageName(row.mon) + ".htm") +
+      ">" + platform::MonthAbbreviation(row.mon) + " " + std::to_string(row.yr) + "</a></td>";
   for (const double value :
        {numbers::Round(row.hits / days), numbers::Round(row.files / days),
         numbers::Round(row.pages / days), numbers::Round(row.bytes / (days * 1000)), row.visitors,
