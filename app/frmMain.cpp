@@ -25,6 +25,9 @@ constexpr std::string_view kSiteSwitchFormat = ": Format for site name switch is
 // The site switch had no "=": the start window is unloaded and nothing runs.
 bool start_window_unloaded = false;
 
+// The version is to be shown once the whole command line has been read.
+bool version_wanted = false;
+
 bool windows_started = false;
 
 void WriteToStandardError(std::string_view text) { std::cerr << text << '\n' << std::flush; }
@@ -93,10 +96,10 @@ std::string SiteNameIn(std::string_view value) {
   return name;
 }
 
-void ApplySiteSwitch(std::string_view token, std::size_t switch_position) {
-  const std::size_t equals = token.find('=', switch_position);
+void NameSite(std::string_view found) {
+  const std::size_t equals = found.find('=');
   if (equals != std::string_view::npos) {
-    Run().SiteName = SiteNameIn(token.substr(equals + 1));
+    Run().SiteName = SiteNameIn(found.substr(equals + 1));
     return;
   }
   if (Run().BatchMode) mdlConfigs::LogWarning(kSiteSwitchFormat);
@@ -104,24 +107,47 @@ void ApplySiteSwitch(std::string_view token, std::size_t switch_position) {
   start_window_unloaded = true;
 }
 
+constexpr Switch kSwitches[] = {
+    {.text = "/B",
+     .spelling = "/BATCH",
+     .help = "report the current month (on the 1st also the month before) and end",
+     .apply = [](std::string_view) { Run().BatchMode = true; }},
+    {.text = "/C",
+     .spelling = "/C",
+     .help = "catch up: report the last thirteen months and end",
+     .apply = [](std::string_view) { Run().CatchUpMode = true; }},
+    {.text = "/D",
+     .spelling = "/D",
+     .help = "diagnostic entries in the event log",
+     .apply = [](std::string_view) { Run().LogTranslations = true; }},
+    {.text = "/V",
+     .spelling = "/V",
+     .help = "show the version, unless with /BATCH",
+     .apply = [](std::string_view) { version_wanted = true; }},
+    {.text = "/L",
+     .spelling = "/L",
+     .help = "choose the site in a window",
+     .apply = [](std::string_view) { SelectSite(); }},
+    {.text = "/S",
+     .spelling = "/SITE=NAME",
+     .help = "use the settings of this site (default: INI)",
+     .apply = NameSite},
+};
+
 }  // namespace
 
+std::span<const Switch> Switches() { return kSwitches; }
+
 void ApplySwitch(std::string_view token) {
-  const auto contains = [token](std::string_view name) {
-    return text::ContainsIgnoringCase(token, name);
-  };
-  if (contains("/B")) Run().BatchMode = true;
-  if (contains("/C")) Run().CatchUpMode = true;
-  if (contains("/D")) Run().LogTranslations = true;
-  if (contains("/V")) mdlConfigs::TellUser("Hitwick version " + program::Version());
-  if (contains("/L")) SelectSite();
-  if (const std::size_t site = text::FindIgnoringCase(token, "/S"); site != text::kNone) {
-    ApplySiteSwitch(token, site);
+  for (const Switch& known : kSwitches) {
+    const std::size_t position = text::FindIgnoringCase(token, known.text);
+    if (position != text::kNone) known.apply(token.substr(position));
   }
   mdlConfigs::LogInformation(": Configuration for site name is '" + Run().SiteName + "'");
 }
 
 void ParseCommandLine(std::string_view command_line) {
+  version_wanted = false;
   std::string token;
   for (const char c : command_line) {
     if (c != ' ' && c != '\t') {
@@ -132,6 +158,7 @@ void ParseCommandLine(std::string_view command_line) {
     }
   }
   if (!token.empty()) ApplySwitch(token);
+  if (version_wanted) mdlConfigs::TellUser("Hitwick version " + program::Version());
 }
 
 bool CatchUp() {

@@ -5,6 +5,7 @@
 #ifndef HITWICK_APP_FRMMAIN_H_
 #define HITWICK_APP_FRMMAIN_H_
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -21,10 +22,24 @@ int Form_Load(const std::string& command_line);
 // Ends the windows, if they were started.
 void Form_Terminate();
 
-// Splits the command line at blanks and tabs (quotation marks do not group) and applies each
-// token.
+// A switch of the command line. It is recognised wherever its text stands in a token, so no entry's
+// spelling may hold the text of another: a switch "/BOX" would also set batch mode. New ones need a
+// letter of their own behind the "/".
+struct Switch {
+  std::string_view text;      // what is looked for, letter case ignored
+  std::string_view spelling;  // how the help and the README write it
+  std::string_view help;      // what it does, in half a line
+  // Carries it out; `found` is the token from the switch's text on.
+  void (*apply)(std::string_view found);
+};
+
+// All switches, in the order in which those of one token are applied.
+std::span<const Switch> Switches();
+
+// Splits the command line at blanks and tabs (quotation marks do not group), applies each token,
+// and then shows the version if a token asked for it and none set batch mode.
 void ParseCommandLine(std::string_view command_line);
-// Applies one token: every switch is looked for anywhere in it, letter case ignored.
+// Applies one token: every switch is looked for in it.
 void ApplySwitch(std::string_view token);
 
 // The catch-up run: thirteen months up to and including the current one; only when `CatchUpMode`

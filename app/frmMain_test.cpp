@@ -64,15 +64,30 @@ TEST_F(Switches, OneTokenMayHoldThemAll) {
 }
 
 TEST_F(Switches, VersionIsShownInABox) {
-  ApplySwitch("/v");
+  ParseCommandLine("x/vx /C /V");
   EXPECT_EQ(boxes_.shown,
             List{"Hitwick version " + std::to_string(program::kMajor) + "." +
                  std::to_string(program::kMinor) + "." + std::to_string(program::kRevision)});
+  ParseCommandLine("/C");
+  EXPECT_EQ(boxes_.shown.size(), 1U) << "each line asks anew";
 }
 
-TEST_F(Switches, BatchRunShowsNoVersion) {
-  ApplySwitch("/B/V");
+TEST_F(Switches, VersionWaitsForTheEndOfTheCommandLine) {
+  ApplySwitch("/V");
   EXPECT_TRUE(boxes_.shown.empty());
+  windows_.user_selects = [this] { EXPECT_TRUE(boxes_.shown.empty()); };
+  ParseCommandLine("/V /L");
+  EXPECT_EQ(windows_.calls, (List{"Start", "SelectSite"}));
+  EXPECT_EQ(boxes_.shown.size(), 1U);
+  frmMain::Form_Terminate();
+}
+
+TEST_F(Switches, BatchModeShowsNoVersionWhereverItIsSet) {
+  for (const char* line : {"/B/V", "/B /V", "/V /B", "/V /D /SITE=web1/B"}) {
+    State().BatchMode = false;
+    ParseCommandLine(line);
+    EXPECT_TRUE(boxes_.shown.empty()) << line;
+  }
 }
 
 TEST_F(Switches, SiteNameFollowsTheEqualsSign) {

@@ -397,9 +397,15 @@ class CommandLineTest(ProgramTest):
                          + "/Jan.htm")
 
     def test_version_switch(self):
-        done = self.run_with("/V", "/BATCH", "/SITE=web1")
+        done = self.run_with("/V", "/C", "/SITE=web1")
         self.assertRegex(done.stderr, rb"Hitwick version [0-9]+\.[0-9]+\.[0-9]+")
         self.assertEqual(done.returncode, 0)
+
+    def test_version_is_not_shown_in_a_batch_run(self):
+        for line in (("/V", "/BATCH", "/SITE=web1"), ("/SITE=web1", "/BATCH", "/V")):
+            done = self.run_with(*line)
+            self.assertNotIn(b"Hitwick version", done.stderr)
+            self.assertEqual(done.returncode, 0)
 
     def test_no_windows(self):
         done = self.run_with("/SITE=web1")
