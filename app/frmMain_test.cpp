@@ -272,6 +272,25 @@ TEST_F(StartUp, SitesFiltersAreLoaded) {
   EXPECT_EQ(mdlFilters::Rules()[0].name, "NoBots");
 }
 
+TEST_F(StartUp, SettingThatNothingReadsIsReportedOnceARun) {
+  store_.has_lines = true;
+  store_.Put("web1", "IISLogdirs", "x");
+  Form_Load("/C /SITE=web1");
+  EXPECT_EQ(log_.CountWith("Line 3 sets 'IISLogdirs', which nothing reads"), 1);
+  EXPECT_EQ(log_.CountWith("which nothing reads"), 1);
+}
+
+TEST_F(StartUp, EverySettingThatIsWrittenIsKnown) {
+  UseLoadedSettings();
+  mdlConfigs::SaveSiteSettings();
+  mdlFilters::SetFilter("NoBots", false, "cs(User-Agent)", "*bot*");
+  mdlFilters::SaveFilters("web1");
+  store_.has_lines = true;
+  Form_Load("/B /SITE=web1");
+  EXPECT_EQ(mdlFilters::Rules().size(), 1U);
+  EXPECT_EQ(log_.CountWith("which nothing reads"), 0);
+}
+
 TEST_F(StartUp, MalformedSiteSwitchEndsTheProgramAfterTheWholeLine) {
   EXPECT_EQ(Form_Load("/B /SITE /D"), frmMain::kExitNotStarted);
   EXPECT_TRUE(State().LogTranslations);

@@ -3,6 +3,7 @@
 #include "config/mdlRegistry.h"
 #include "config/program.h"
 #include "config/text.h"
+#include "config/unread_settings.h"
 #include "platform/environment.h"
 #include "platform/file_system.h"
 #include "platform/message_box.h"
@@ -135,7 +136,10 @@ bool CheckUsageFolderForSaving() {
 
 RunState& Run() { return run_state; }
 
-void ResetRun() { run_state = RunState(); }
+void ResetRun() {
+  run_state = RunState();
+  unread_settings::Reset();
+}
 
 void LogEntry(platform::EventLevel level, std::string_view text) {
   platform::TheEventLog().Write(level, std::string(program::kTitle).append(text));
@@ -163,6 +167,7 @@ std::int16_t LoadSiteSettings(const std::function<void(const std::string& site)>
   RunState& run = Run();
   if (run.SiteName.empty()) run.SiteName = kDefaultSite;
   LogInformation(": operating on site '" + run.SiteName + "'");
+  unread_settings::Report(run.SiteName);
   if (!LoadLogFormat() || !LoadLogFolder()) return 1;
   const bool usage_folder_found = LoadUsageFolder();
   ReadListSize();

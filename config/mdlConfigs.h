@@ -68,8 +68,8 @@ std::string DefaultLogFolder();
 
 // Loads and checks the settings of `Run().SiteName` ("INI" when empty) into `Run().Settings` and
 // writes the checked ones back. Returns 0 when they are usable, 1 when not; every reason is
-// logged, and shown outside batch mode. `load_filters` is called with the site's name once the
-// log folder has been found good.
+// logged, and shown outside batch mode, and each setting that nothing reads is a warning.
+// `load_filters` is called with the site's name once the log folder has been found good.
 std::int16_t LoadSiteSettings(const std::function<void(const std::string& site)>& load_filters);
 
 // Checks `Run().Settings` and stores all seven values. Returns 0 when saved; 1, with nothing

@@ -143,12 +143,21 @@ std::string WithoutControlBytes(const std::string& data) {
   return text;
 }
 
-// The text of a value of an open key, its name compared as the store does.
-std::optional<std::string> FindSetting(Key key, std::string_view name) {
+struct KeyInfo {
   std::uint32_t subkeys = 0;
   std::uint32_t values = 0;
-  if (TheSettingsStore().QueryInfo(key, &subkeys, &values) != kStoreSuccess) return std::nullopt;
-  for (std::uint32_t index = 0; index < values; ++index) {
+};
+
+// What is directly below an open key; nothing when it cannot be read.
+KeyInfo InfoOf(Key key) {
+  KeyInfo info;
+  if (TheSettingsStore().QueryInfo(key, &info.subkeys, &info.values) != kStoreSuccess) return {};
+  return info;
+}
+
+// The text of a value of an open key, its name compared as the store does.
+std::optional<std::string> FindSetting(Key key, std::string_view name) {
+  for (std::uint32_t index = 0, count = InfoOf(key).values; index < count; ++index) {
     Value value;
     if (EnumWholeValue(key, index, &value) != kStoreSuccess) continue;
     if (text::EqualsIgnoringCase(value.name, name))
@@ -205,6 +214,26 @@ std::string GetStringValue(Key key, std::string_view name, const std::string& fa
     if (result == kStoreSuccess && value.name == name) return WithoutControlBytes(value.data);
   }
   return fallback;
+}
+
+std::vector<std::string> SubkeyNames(Key key) {
+  std::vector<std::string> names;
+  for (std::uint32_t index = 0, count = InfoOf(key).subkeys; index < count; ++index) {
+    std::string name;
+    if (TheSettingsStore().EnumKey(key, index, &name) == kStoreSuccess) {
+      names.push_back(std::move(name));
+    }
+  }
+  return names;
+}
+
+std::vector<std::string> ValueNames(Key key) {
+  std::vector<std::string> names;
+  for (std::uint32_t index = 0, count = InfoOf(key).values; index < count; ++index) {
+    Value value;
+    if (EnumWholeValue(key, index, &value) == kStoreSuccess) names.push_back(std::move(value.name));
+  }
+  return names;
 }
 
 std::int32_t DeleteSiteValues(const std::string& branch, const std::string& name) {
@@ -284,14 +313,7 @@ std::vector<std::string> SiteNames() {
                          "\nError code : " + std::to_string(result));
     return {};
   }
-  std::vector<std::string> names;
-  for (std::uint32_t index = 0; index < subkeys; ++index) {
-    std::string name;
-    if (TheSettingsStore().EnumKey(opened.key(), index, &name) == kStoreSuccess) {
-      names.push_back(std::move(name));
-    }
-  }
-  return names;
+  return SubkeyNames(opened.key());
 }
 
 bool RemoveSite(const std::string& site) {

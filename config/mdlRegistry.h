@@ -50,6 +50,11 @@ void SetStringValue(Key key, const std::string& name, std::string_view value);
 // first seven values of the key are looked at; a value that lies further on reads as missing.
 std::string GetStringValue(Key key, std::string_view name, const std::string& fallback);
 
+// The names of the subkeys or values of an open key, in the store's order; one that cannot be read
+// is left out.
+std::vector<std::string> SubkeyNames(Key key);
+std::vector<std::string> ValueNames(Key key);
+
 // Deletes every subkey (recursively) and every value of branch + "\" + name, leaving the key.
 // Goes on past single failures and returns the last error code; a missing key is a success.
 std::int32_t DeleteSiteValues(const std::string& branch, const std::string& name);

@@ -36,34 +36,71 @@ std::string_view LineEndOf(std::string_view bytes) {
   return bytes.ends_with('\n') ? bytes.substr(bytes.size() - 1) : std::string_view();
 }
 
+constexpr char kBlank = ' ';
+constexpr std::string_view kEscapedBlank = "\\s";
+
 std::string Escaped(std::string_view text) {
   std::string escaped;
-  for (const char c : text) {
-    if (c == '\\') {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool at_end = i == 0 || i + 1 == text.size();
+    if (text[i] == '\\') {
       escaped += "\\\\";
-    } else if (c == '\r') {
+    } else if (text[i] == '\r') {
       escaped += "\\r";
-    } else if (c == '\n') {
+    } else if (text[i] == '\n') {
       escaped += "\\n";
+    } else if (text[i] == kBlank && at_end) {
+      escaped += kEscapedBlank;
     } else {
-      escaped += c;
+      escaped += text[i];
     }
   }
   return escaped;
 }
 
+// What `\` and the character behind it stand for; zero where the backslash stands for itself.
+char Meaning(char escape) {
+  switch (escape) {
+    case '\\':
+      return '\\';
+    case 'r':
+      return '\r';
+    case 'n':
+      return '\n';
+    default:
+      return '\0';
+  }
+}
+
+// A run of blanks at either end, in which `\s` is one of them, belongs to the text. Further inside
+// `\s` is no escape, since people write `C:\srv`.
 std::string Unescaped(std::string_view escaped) {
   std::string text;
+  std::string run;     // of blanks and `\s`, as it is written,
+  std::string blanks;  // and as it counts at an end
   for (std::size_t i = 0; i < escaped.size(); ++i) {
-    const char next = escaped[i] == '\\' && i + 1 < escaped.size() ? escaped[i + 1] : '\0';
-    if (next == '\\' || next == 'r' || next == 'n') {
-      text += next == 'r' ? '\r' : next == 'n' ? '\n' : '\\';
-      ++i;
-    } else {
-      text += escaped[i];
+    const std::string_view rest = escaped.substr(i);
+    if (rest[0] == kBlank || rest.starts_with(kEscapedBlank)) {
+      const std::string_view piece = rest.substr(0, rest[0] == kBlank ? 1 : kEscapedBlank.size());
+      run += piece;
+      blanks += kBlank;
+      i += piece.size() - 1;
+      continue;
     }
+    text += text.empty() ? blanks : run;
+    run.clear();
+    blanks.clear();
+    const char meaning = rest.size() > 1 && rest[0] == '\\' ? Meaning(rest[1]) : '\0';
+    text += meaning != '\0' ? meaning : rest[0];
+    if (meaning != '\0') ++i;
   }
-  return text;
+  return text + blanks;
+}
+
+// Where the value of a line `name=value` begins: behind the "=" and the blanks that follow it.
+std::size_t ValueStart(std::string_view bytes) {
+  const std::size_t start = bytes.find_first_not_of(kBlank, bytes.find('=') + 1);
+  return std::min(start, bytes.size());
 }
 
 }  // namespace
@@ -107,8 +144,8 @@ const std::string& SettingsFile::Subkey(std::string_view path, std::size_t index
 }
 
 SettingsFile::Value SettingsFile::ValueAt(std::string_view path, std::size_t index) const {
-  const Line& line = lines_[Find(path)->values[index]];
-  return {line.name, line.text};
+  const std::size_t number = Find(path)->values[index];
+  return {lines_[number].name, lines_[number].text, static_cast<int>(number) + 1};
 }
 
 bool SettingsFile::IsValidPath(std::string_view path) {
@@ -117,7 +154,8 @@ bool SettingsFile::IsValidPath(std::string_view path) {
 }
 
 bool SettingsFile::IsValidValueName(std::string_view name) {
-  return !name.empty() && std::string_view("[;#").find(name.front()) == std::string_view::npos &&
+  return !name.empty() && Trimmed(name) == name &&
+         std::string_view("[;#").find(name.front()) == std::string_view::npos &&
          name.find('=') == std::string_view::npos && !HoldsLineBreakOrZero(name) &&
          !name.starts_with(kByteOrderMark);
 }
@@ -134,7 +172,7 @@ bool SettingsFile::SetValue(std::string_view path, std::string_view name, std::s
     Line& line = lines_[*found];
     if (line.text == text) return false;
     const std::string end(LineEndOf(line.bytes));
-    line = ReadLine(line.name + "=" + Escaped(text) + end);
+    line = ReadLine(line.bytes.substr(0, ValueStart(line.bytes)) + Escaped(text) + end);
     return true;
   }
   const bool only_implied = !path.empty() && Find(path)->sections.empty();
@@ -191,7 +229,7 @@ void SettingsFile::ReadContent(std::string_view content, Line* line) {
   const std::string_view trimmed = Trimmed(content);
   if (trimmed.empty()) {
     line->kind = Kind::kBlank;
-  } else if (content.front() == ';' || content.front() == '#') {
+  } else if (trimmed.front() == ';' || trimmed.front() == '#') {
     line->kind = Kind::kComment;
   } else if (content.front() == '[') {
     const bool closed = trimmed.size() > 1 && trimmed.back() == ']';
@@ -200,11 +238,12 @@ void SettingsFile::ReadContent(std::string_view content, Line* line) {
     line->kind = valid ? Kind::kSection : Kind::kBrokenSection;
     line->name = path;
   } else if (const std::size_t equals = content.find('=');
-             equals != std::string_view::npos && equals > 0 &&
+             equals != std::string_view::npos && !Trimmed(content.substr(0, equals)).empty() &&
              content.find('\0') == std::string_view::npos) {
     line->kind = Kind::kValue;
-    line->name = content.substr(0, equals);
-    line->text = Unescaped(content.substr(equals + 1));
+    line->name = Trimmed(content.substr(0, equals));
+    const std::string_view value = content.substr(ValueStart(content));
+    line->text = Unescaped(value.substr(0, value.find_last_not_of(kBlank) + 1));
   } else {
     line->kind = trimmed.front() == '[' ? Kind::kBrokenSection : Kind::kBroken;
   }

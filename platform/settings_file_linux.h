@@ -5,9 +5,10 @@
 //
 // A section is a key, its name the key's path below the settings branch, parts joined by `\`. A
 // line `name=value` is one value of the section above it, or of the branch itself when it stands
-// before the first section. In a value `\\`, `\r` and `\n` stand for a backslash, a carriage return
-// and a line feed; any other backslash stands for itself, and so do blanks around the `=`. Lines
-// that begin with `;` or `#` and blank lines say nothing.
+// before the first section. Blanks around the name, right after the `=` and at the end of the line
+// do not count. In a value `\\`, `\r` and `\n` stand for a backslash, a carriage return and a line
+// feed, and `\s` at either end for a blank; any other backslash stands for itself. Lines that begin
+// with `;` or `#`, blanks before them or not, and blank lines say nothing.
 //
 // Names compare without regard to case (A to Z). Sections of one name are one key. Of a value name
 // that occurs twice in a key the first one counts. A key exists as soon as a key below it does.
@@ -35,6 +36,7 @@ class SettingsFile {
   struct Value {
     std::string name;
     std::string text;
+    int line = 0;  // 1 is the first line
   };
   struct BrokenLine {
     int number = 0;  // 1 is the first line
@@ -59,7 +61,8 @@ class SettingsFile {
   Value ValueAt(std::string_view path, std::size_t index) const;
 
   // Whether a name can be written: a path has no empty part, a value name none of the characters
-  // that would make its line something else; neither holds a line break or a zero byte.
+  // that would make its line something else, and no blank at its ends; neither holds a line break
+  // or a zero byte.
   static bool IsValidPath(std::string_view path);
   static bool IsValidValueName(std::string_view name);
 

@@ -118,9 +118,34 @@ TEST(SettingsFileTest, OtherBackslashesStandForThemselves) {
 }
 
 TEST(SettingsFileTest, EveryTextComesBackAsItWasWritten) {
-  for (const std::string text :
-       {"", " blanks at the ends ", "a=b", "; no comment", "[no section]", "\\", "\\n", "\r\n",
-        "a\nb\rc\\", "\\\\", "tab\there", "\xC3\xA4\xFF", "\x01\x1F\x7F"}) {
+  for (const std::string text : {"",
+                                 " blanks at the ends ",
+                                 "  more  ",
+                                 " ",
+                                 "  ",
+                                 "   ",
+                                 " \\",
+                                 "\\ ",
+                                 "\\s",
+                                 " \\s ",
+                                 "\\s\\",
+                                 "s \\ s",
+                                 "\t",
+                                 "\ttabs\t",
+                                 " \t ",
+                                 "\n ",
+                                 " \r",
+                                 "a=b",
+                                 "; no comment",
+                                 "[no section]",
+                                 "\\",
+                                 "\\n",
+                                 "\r\n",
+                                 "a\nb\rc\\",
+                                 "\\\\",
+                                 "tab\there",
+                                 "\xC3\xA4\xFF",
+                                 "\x01\x1F\x7F"}) {
     SettingsFile file("[a]\n");
     file.SetValue("a", "x", text);
     file.SetValue("a", "y", "next");
@@ -130,10 +155,46 @@ TEST(SettingsFileTest, EveryTextComesBackAsItWasWritten) {
   }
 }
 
-TEST(SettingsFileTest, BlanksBelongToNamesAndValues) {
-  const SettingsFile file("[a]\n x = 1 \n");
-  EXPECT_EQ(file.ValueAt("a", 0).name, " x ");
-  EXPECT_EQ(file.ValueAt("a", 0).text, " 1 ");
+TEST(SettingsFileTest, BlanksAroundNamesAndValuesDoNotCount) {
+  const SettingsFile file("[a] \n  x = /the path  \n\ty\t=1\nz =  \r\n w=\n");
+  EXPECT_EQ(Values(file, "a"), (List{"x=/the path", "y=1", "z=", "w="}));
+  EXPECT_TRUE(file.BrokenLines().empty());
+}
+
+TEST(SettingsFileTest, EscapedBlanksAtTheEndsOfAValueCount) {
+  const SettingsFile file("[a]\nx = \\s1\\s \ny=\\s\nz=\\s\\s  2 \\s\nw=\\s \\s\\\\\\s \\s\n");
+  EXPECT_EQ(Values(file, "a"), (List{"x= 1 ", "y= ", "z=    2  ", "w=   \\   "}));
+}
+
+TEST(SettingsFileTest, BlanksAreEscapedAtTheEndsOnly) {
+  SettingsFile file("[a]\n");
+  file.SetValue("a", "x", "  two words  ");
+  EXPECT_EQ(file.Text(), "[a]\nx=\\s two words \\s\n");
+}
+
+TEST(SettingsFileTest, BackslashBeforeAnSInsideAValueStandsForItself) {
+  const SettingsFile file("[a]\nx=C:\\srv\\system\ny=a \\s b\n");
+  EXPECT_EQ(Values(file, "a"), (List{"x=C:\\srv\\system", "y=a \\s b"}));
+}
+
+TEST(SettingsFileTest, ChangedValueKeepsTheBlanksBeforeIt) {
+  SettingsFile file("[a]\n x  =  1 \r\ny =\n");
+  EXPECT_TRUE(file.SetValue("a", "X", "2"));
+  EXPECT_TRUE(file.SetValue("a", "y", " 3"));
+  EXPECT_EQ(file.Text(), "[a]\n x  =  2\r\ny =\\s3\n");
+  EXPECT_FALSE(file.SetValue("a", "x", "2"));
+}
+
+TEST(SettingsFileTest, CommentsMayBeIndented) {
+  const SettingsFile file("[a]\n  ; x = 1\n\t# y = 2\nz=3\n");
+  EXPECT_EQ(Values(file, "a"), List{"z=3"});
+  EXPECT_TRUE(file.BrokenLines().empty());
+}
+
+TEST(SettingsFileTest, ValuesKnowTheirLines) {
+  const SettingsFile file("; top\n[a]\nx=1\n\n[b]\n[A]\ny=2\n");
+  EXPECT_EQ(file.ValueAt("a", 0).line, 3);
+  EXPECT_EQ(file.ValueAt("a", 1).line, 7);
 }
 
 TEST(SettingsFileTest, WhatAChangeDoesNotTouchKeepsItsBytes) {
@@ -223,8 +284,8 @@ TEST(SettingsFileTest, TheKeyAboveADeletedOneStays) {
 }
 
 TEST(SettingsFileTest, BrokenLinesAreCountedFromOneAndTheRestIsUsed) {
-  const SettingsFile file(std::string("nonsense\n[a]\n=no name\nx=1\nz\0=2\n", 31));
-  EXPECT_EQ(BrokenNumbers(file), (std::vector<int>{1, 3, 5}));
+  const SettingsFile file(std::string("nonsense\n[a]\n=no name\nx=1\nz\0=2\n =\n", 34));
+  EXPECT_EQ(BrokenNumbers(file), (std::vector<int>{1, 3, 5, 6}));
   EXPECT_EQ(Values(file, "a"), List{"x=1"});
 }
 
@@ -244,7 +305,8 @@ TEST(SettingsFileTest, AByteOrderMarkIsNoPartOfTheFirstLine) {
 
 TEST(SettingsFileTest, NamesThatTheFormatCannotHoldAreInvalid) {
   using std::string_literals::operator""s;
-  for (const std::string& name : {""s, "a=b"s, "[a"s, ";a"s, "#a"s, "a\nb"s, "a\rb"s, "a\0b"s}) {
+  for (const std::string& name :
+       {""s, "a=b"s, "[a"s, ";a"s, "#a"s, "a\nb"s, "a\rb"s, "a\0b"s, " a"s, "a "s, "\ta"s, " "s}) {
     EXPECT_FALSE(SettingsFile::IsValidValueName(name)) << name;
   }
   for (const std::string& path : {""s, "\\a"s, "a\\"s, "a\\\\b"s, "a\nb"s, "a\rb"s, "a\0b"s}) {

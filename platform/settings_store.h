@@ -8,8 +8,8 @@
 // in which they were first written. Results are the registry's error codes, of which these matter
 // to callers: 0 success, 2 not found, 5 access denied, 234 more data, 259 no more items. A name
 // that the store cannot hold gives 87. On Linux that is, for any name, an empty one or one with a
-// line break or a zero byte; for a value name also one that holds a "=" or begins with "[", ";" or
-// "#".
+// line break or a zero byte; for a value name also one that holds a "=", begins with "[", ";" or
+// "#" or has a blank at its ends.
 #ifndef HITWICK_PLATFORM_SETTINGS_STORE_H_
 #define HITWICK_PLATFORM_SETTINGS_STORE_H_
 
@@ -55,6 +55,10 @@ class SettingsStore {
   // kStoreMoreData. `data` receives the text with its terminating zero, as it is stored.
   virtual Result EnumValue(Key key, std::uint32_t index, std::size_t data_capacity,
                            std::string* name, std::string* data) = 0;
+
+  // Where a person finds a value, to begin a sentence with: "Line 3 of the settings file 'PATH'".
+  // Empty for a missing value, and in a store without lines (Windows).
+  virtual std::string PlaceOfValue(Key key, const std::string& name) = 0;
 
   // Writes a text value. `text` may hold any byte but zero.
   virtual Result SetValue(Key key, const std::string& name, std::string_view text) = 0;

@@ -180,6 +180,16 @@ class SettingsIni : public SettingsStore {
     return kStoreSuccess;
   }
 
+  std::string PlaceOfValue(Key key, const std::string& name) override {
+    std::string path;
+    if (LoadKey(key, &path) != kStoreSuccess) return {};
+    for (std::size_t i = 0; i < file_.ValueCount(path); ++i) {
+      const SettingsFile::Value value = file_.ValueAt(path, i);
+      if (SameName(value.name, name)) return PlaceOfLine(value.line);
+    }
+    return {};
+  }
+
   Result SetValue(Key key, const std::string& name, std::string_view text) override {
     if (!SettingsFile::IsValidValueName(name) || text.find('\0') != std::string_view::npos) {
       return kStoreInvalidParameter;
@@ -295,6 +305,10 @@ class SettingsIni : public SettingsStore {
     return edit(edited, changed);
   }
 
+  std::string PlaceOfLine(int number) const {
+    return "Line " + std::to_string(number) + " of the settings file '" + path_ + "'";
+  }
+
   // Tells the administrator of each broken line once, however often the file is read again. Lines
   // move when others change, so a line is known by its text and its number among equal ones.
   void ReportBrokenLines() {
@@ -305,9 +319,8 @@ class SettingsIni : public SettingsStore {
       if (occurrence <= reported) continue;
       reported = occurrence;
       TheEventLog().Write(EventLevel::kWarning,
-                          std::string(kSettingsApplication) + ": Line " +
-                              std::to_string(line.number) + " of the settings file '" + path_ +
-                              "' is neither a section nor a value nor a comment and is ignored");
+                          std::string(kSettingsApplication) + ": " + PlaceOfLine(line.number) +
+                              " is neither a section nor a value nor a comment and is ignored");
     }
   }
 

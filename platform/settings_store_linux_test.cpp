@@ -103,6 +103,19 @@ TEST_F(SettingsIniTest, WithoutTheVariableTheHomeFolderIsUsed) {
             "[web1]\nx=1\n\n[web2]\nx=2\n");
 }
 
+TEST_F(SettingsIniTest, ValuesHaveTheirLineAndFileAsPlace) {
+  WriteIni("; my sites\n[web1]\n IISLogDir = /srv/iis/W3SVC1\n\n[WEB1]\nx=1\n");
+  Key key = 0;
+  ASSERT_EQ(TheSettingsStore().OpenKey(kBranch + "\\web1", &key), kStoreSuccess);
+  EXPECT_EQ(TheSettingsStore().PlaceOfValue(key, "iislogdir"),
+            "Line 3 of the settings file '" + ini_ + "'");
+  EXPECT_EQ(TheSettingsStore().PlaceOfValue(key, "x"),
+            "Line 6 of the settings file '" + ini_ + "'");
+  EXPECT_EQ(TheSettingsStore().PlaceOfValue(key, "y"), "");
+  TheSettingsStore().CloseKey(key);
+  EXPECT_EQ(TheSettingsStore().PlaceOfValue(key, "x"), "");
+}
+
 TEST_F(SettingsIniTest, ReadsWhatWasWrittenByHand) {
   WriteIni("; my sites\n[web1]\nIISLogDir=/srv/iis/W3SVC1\n");
   EXPECT_EQ(FirstValueOf("WEB1"), "/srv/iis/W3SVC1");

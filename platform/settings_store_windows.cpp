@@ -76,6 +76,8 @@ class Registry : public SettingsStore {
     return result;
   }
 
+  std::string PlaceOfValue(Key, const std::string&) override { return {}; }
+
   Result SetValue(Key key, const std::string& name, std::string_view text) override {
     const std::string terminated(text);
     return RegSetValueExA(Handle(key), name.c_str(), 0, REG_SZ,

@@ -325,6 +325,26 @@ class SettingsTroubleTest(ProgramTest):
         self.assertEqual(self.batch().returncode, 0)
         self.assertHits(1)
 
+    def test_blanks_and_a_setting_that_nothing_reads(self):
+        self.box.write("config/hitwick/settings.ini", "[web1]\n  IISLogDir = " + self.box.logs
+                       + "  \nIISLogdirs = /x\nUsageDir  =" + self.box.usage
+                       + "\n[web1\\Filters\\All]\n field = cs-uri-stem\n pattern = /*\n"
+                       " includes = True\n patern = x\n[other]\nIISLogdirs=/y\n")
+        self.assertEqual(self.batch().returncode, 0)
+        self.assertHits(1)
+        unread = [text for level, text in self.box.event_texts()
+                  if level == "warning" and "which nothing reads" in text]
+        self.assertEqual(unread, [
+            "Hitwick: Line %d of the settings file '%s' sets '%s', which nothing reads"
+            % (number, self.box.config, name) for number, name in ((3, "IISLogdirs"), (9, "patern"))])
+
+    def test_folder_that_ends_in_a_blank(self):
+        folder = os.path.join(self.box.root, "usage ")
+        os.mkdir(folder)
+        self.box.configure("web1", {"UsageDir": folder})
+        self.assertEqual(self.batch().returncode, 0)
+        self.assertIn("Jan.htm", os.listdir(folder))
+
     def test_event_log_that_cannot_be_written(self):
         self.box.write("state", "a file in the place of the folder")
         done = self.batch()

@@ -29,7 +29,8 @@ def loopback_name():
 def ini_text(site, settings, rules):
     """`settings.ini` with one site; `rules` is a list of dicts or None."""
     def escaped(value):
-        return value.replace("\\", "\\\\").replace("\r", "\\r").replace("\n", "\\n")
+        value = value.replace("\\", "\\\\").replace("\r", "\\r").replace("\n", "\\n")
+        return re.sub("^ | $", lambda blank: "\\s", value)
 
     lines = ["[" + site + "]"] + [name + "=" + escaped(value) for name, value in settings.items()]
     for rule in rules or []:

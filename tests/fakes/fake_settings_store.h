@@ -59,6 +59,9 @@ class FakeSettingsStore : public platform::SettingsStore {
   }
   bool HasKey(const std::string& section) const { return Find(BranchPath(section)) != nullptr; }
 
+  // Whether values have places: "Line N" for the value number N of its key.
+  bool has_lines = false;
+
   std::size_t open_keys() const { return open_.size(); }
   int changes() const { return changes_; }  // calls that were to change the store
 
@@ -111,6 +114,15 @@ class FakeSettingsStore : public platform::SettingsStore {
     *name = value_name;
     *data = text + '\0';
     return platform::kStoreSuccess;
+  }
+
+  std::string PlaceOfValue(Key key, const std::string& name) override {
+    const Node* node = has_lines ? Find(PathOf(key)) : nullptr;
+    if (node == nullptr) return {};
+    for (std::size_t i = 0; i < node->values.size(); ++i) {
+      if (platform::SameName(node->values[i].first, name)) return "Line " + std::to_string(i + 1);
+    }
+    return {};
   }
 
   Result SetValue(Key key, const std::string& name, std::string_view text) override {
@@ -182,7 +194,7 @@ class FakeSettingsStore : public platform::SettingsStore {
     return true;
   }
   static bool ValidValueName(const std::string& name) {
-    return !name.empty() && name.find_first_of(";#[") != 0 &&
+    return !name.empty() && name.find_first_of(" ;#[") != 0 && name.back() != ' ' &&
            name.find_first_of(std::string_view("\r\n=\0", 4)) == std::string::npos;
   }
   static Node* Subkey(const Node* node, std::string_view name) {
