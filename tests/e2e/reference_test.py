@@ -24,9 +24,10 @@ UTC = datetime.timezone.utc
 
 
 def answer(name):
-    """The oracle's files, events and exit code for a golden case."""
+    """The oracle's files, events and exit code for a golden case, CSV files included."""
     with Sandbox() as sandbox:
         case = Case(name)
+        case.settings = {**case.settings, "GenerateCSV": "True"}
         case.stage(sandbox)
         return case.answer(sandbox)
 
