@@ -111,6 +111,12 @@ TEST_F(ReadingLoop, FileOfOneEndlessLine) {
   EXPECT_EQ(UrlsOf("a " + std::string(3'000'000, 'x')), List{});
 }
 
+TEST_F(ReadingLoop, FileAfterOneThatEndsInAVeryLongLineIsReadFromItsFirstLine) {
+  AddLog("ex070116.log", "a /next\na /last\n");
+  EXPECT_EQ(UrlsOf("a /1\na /long " + std::string(1'000'000, 'x')),
+            (List{"/1", "/long", "/next", "/last"}));
+}
+
 using FieldList = ReaderTest;
 
 TEST_F(FieldList, NothingCountsBeforeTheFirstOne) {

@@ -53,6 +53,13 @@ TEST_F(FileSelection, UseUtcIgnoresTheZone) {
   EXPECT_EQ(OpenedWithBias(-60, 1, 2007), (List{"ex070115.log", "ex070201.log"}));
 }
 
+TEST_F(FileSelection, UtcMonthForgetsTheZoneOfTheMonthBefore) {
+  AddEmptyLogs({"ex061231.log", "ex070115.log", "ex070201.log"});
+  EXPECT_EQ(OpenedWithBias(-90, 1, 2007), (List{"ex061231.log", "ex070115.log"}));
+  State().Settings.UseUTC = true;
+  EXPECT_EQ(OpenedWithBias(-90, 1, 2007), (List{"ex070115.log", "ex070201.log"}));
+}
+
 TEST_F(FileSelection, PrefixesFollowEachOtherInEveryStep) {
   AddEmptyLogs({"u_ex061231.log", "ex061231.log", "u_ex070102.log", "ex070103.log",
                 "u_ex070101.log", "ex070104.log", "u_ex070201.log", "ex070201.log"});
@@ -213,6 +220,21 @@ TEST_F(MonthOutcome, HistoryRowHoldsTheMonthsTotals) {
   EXPECT_EQ(rows_[0].files, 2.0);
 }
 
+// One visit in each of three rows of the breakdown, and a robot's: no row but that of all visits
+// holds four.
+TEST_F(MonthOutcome, HistoryRowCountsTheVisitsOfEveryLengthAndOfRobots) {
+  AddLines(
+      "ex070115.log",
+      {"#Fields: date time c-ip cs-uri-stem cs(User-Agent)",
+       "2007-01-15 10:00:00 10.0.0.1 /a Mozilla", "2007-01-15 10:00:00 10.0.0.2 /a Mozilla",
+       "2007-01-15 10:05:00 10.0.0.2 /b Mozilla", "2007-01-15 10:05:00 10.0.0.3 /a Mozilla",
+       "2007-01-15 10:30:00 10.0.0.3 /a Mozilla", "2007-01-15 10:30:00 10.0.0.4 /a Examplebot"});
+  Read(1, 2007);
+  ASSERT_EQ(mdlVisit::NonRobotVisitLengths()[0].Visits, 3);
+  ASSERT_EQ(rows_.size(), 1U);
+  EXPECT_EQ(rows_[0].visits, 4.0);
+}
+
 TEST_F(MonthOutcome, MonthWithoutLogsHasNoHits) {
   ReadLines({"#Fields: c-ip cs-uri-stem", "a /x"});
   Read(6, 2009);
@@ -344,6 +366,24 @@ TEST_F(FileErrors, BrokenReadKeepsTheLinesBeforeIt) {
   Read(1, 2007);
   EXPECT_EQ(Urls(), (List{"/one", "/two", "/next"}));
   EXPECT_TRUE(log_.entries.empty());
+}
+
+TEST_F(FileErrors, BrokenReadDropsTheLineThatItCutShort) {
+  const std::string read = "#Fields: c-ip cs-uri-stem\na /one\na /two";
+  AddLog("ex070114.log", read + "-and-more\n");
+  AddLog("ex070115.log", "a /next\n");
+  files_.read_failures[PathOf("ex070114.log")] = {5, read.size()};
+  Read(1, 2007);
+  EXPECT_EQ(Urls(), (List{"/one", "/next"}));
+}
+
+TEST_F(FileErrors, BrokenReadOfAnOverlongLineEndsWithItsFile) {
+  const std::string read = "#Fields: c-ip cs-uri-stem\na /one\n" + std::string(1'000'000, 'x');
+  AddLog("ex070114.log", read + "\na /lost\n");
+  AddLog("ex070115.log", "a /next\na /last\n");
+  files_.read_failures[PathOf("ex070114.log")] = {5, read.size()};
+  Read(1, 2007);
+  EXPECT_EQ(Urls(), (List{"/one", "/next", "/last"}));
 }
 
 TEST_F(FileErrors, BrokenReadIsNamedInTheDiagnosticLog) {

@@ -1,6 +1,7 @@
 // Records that filters skip or errors drop, and what the diagnostic log says of them.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -106,6 +107,44 @@ TEST_F(FilteredRecords, SkippedRecordLeavesNoCounts) {
   EXPECT_EQ(mdlW3C::ServerName(), "WEB1") << "later fields are still read";
 }
 
+// The filter windows may change the rules whenever pending events are processed: once a file.
+class ChangingRules : public FilteredRecords {
+ protected:
+  // The URLs of three files of two records each; `change` runs at the opening of file 1, 2, 3.
+  List UrlsWhile(const std::function<void(int)>& change) {
+    int file = 0;
+    State().Ui.process_pending_events = [&] { change(++file); };
+    AddLines("ex070114.log", {"#Fields: cs-method cs-uri-stem", "GET /get1", "POST /post1"});
+    AddLines("ex070115.log", {"GET /get2", "POST /post2"});
+    AddLines("ex070116.log", {"GET /get3", "POST /post3"});
+    Read(1, 2007);
+    return Urls();
+  }
+};
+
+TEST_F(ChangingRules, NewRuleHoldsFromTheFileAtWhoseOpeningItCame) {
+  EXPECT_EQ(UrlsWhile([](int file) {
+              if (file == 2) Exclude("cs-method", "POST");
+            }),
+            (List{"/get1", "/post1", "/get2", "/get3"}));
+}
+
+TEST_F(ChangingRules, DeletedRuleHoldsNoLonger) {
+  Exclude("cs-method", "POST");
+  EXPECT_EQ(UrlsWhile([](int file) {
+              if (file == 3) mdlFilters::DeleteFilter(1);
+            }),
+            (List{"/get1", "/get2", "/get3", "/post3"}));
+}
+
+TEST_F(ChangingRules, ChangedRuleIsAskedAnewAboutValuesSeenBefore) {
+  Exclude("cs-method", "POST");
+  EXPECT_EQ(UrlsWhile([](int file) {
+              if (file == 2) mdlFilters::SetFilter("Ex0", false, "cs-method", "GET");
+            }),
+            (List{"/get1", "/post2", "/post3"}));
+}
+
 using Diagnostics = FilteredRecords;
 
 TEST_F(Diagnostics, FilteredRecordsAreNotedWhenAskedFor) {
@@ -149,6 +188,16 @@ TEST_F(Diagnostics, BadPatternIsAnErrorOfEveryRecordWithItsField) {
   ReadLines(
       {"#Fields: c-ip cs-uri-stem cs-method", "a /x GET", "#Fields: c-ip cs-uri-stem", "a /y"});
   EXPECT_EQ(log_.Texts(), List{"HitwickError processing field cs-method : Invalid pattern string"});
+  EXPECT_EQ(Urls(), List{"/y"});
+}
+
+TEST_F(Diagnostics, BadPatternMetBySearchWordsIsAnErrorOfTheReferrer) {
+  State().LogTranslations = true;
+  Exclude("cs-uri-query", "[a");
+  ReadLines({"#Fields: c-ip cs-uri-stem cs(Referer)", "a /x http://e.com/?q=some+words",
+             "a /y http://e.com/"});
+  EXPECT_EQ(log_.Texts(),
+            List{"HitwickError processing field cs(Referer) : Invalid pattern string"});
   EXPECT_EQ(Urls(), List{"/y"});
 }
 

@@ -427,6 +427,15 @@ class CommandLineTest(ProgramTest):
             self.assertNotIn(b"Hitwick version", done.stderr)
             self.assertEqual(done.returncode, 0)
 
+    def test_site_selection_switch(self):
+        for switch in ("/L", "x/list"):
+            with self.subTest(switch):
+                done = self.run_with(switch, "/BATCH", "/SITE=web1")
+                self.assertRegex(done.stderr, rb"site selection cannot be shown")
+                self.assertEqual(done.returncode, 0)
+                self.assertHits(1)
+        self.assertEqual(self.run_with("L", "/BATCH", "/SITE=web1").stderr, b"")
+
     def test_no_windows(self):
         done = self.run_with("/SITE=web1")
         self.assertEqual(done.returncode, 2)
