@@ -16,7 +16,7 @@ import time
 import zoneinfo
 
 import recount
-from oracle.basics import MONTH_NAMES
+from oracle.months import ENGLISH_SHORT
 from oracle.run import Run
 from run_cases import compare_events, compare_files, filled_in, version_of
 from sandbox import Sandbox, host_name
@@ -63,7 +63,7 @@ def compare_run(program, logs, moment, zone, mode, settings):
             problems.append("exit code %d" % done.returncode)
         counted_bias = 0 if settings.get("UseUTC") == "True" else bias
         for month, year in run.months()[-12:]:
-            page = os.path.join(box.usage, MONTH_NAMES[month - 1][:3] + ".htm")
+            page = os.path.join(box.usage, ENGLISH_SHORT[month - 1] + ".htm")
             if os.path.exists(page):
                 problems += ["recount of %s: %s" % (os.path.basename(page), line) for line in
                              recount.compare(logs, page, month, year, counted_bias,

@@ -12,6 +12,7 @@ import os
 import random
 import sys
 
+import locales
 from compare_real import offsets
 from oracle.run import Run
 from run_cases import compare_events, compare_files, filled_in, version_of
@@ -19,6 +20,7 @@ from sandbox import SITE_VALUES, Sandbox, host_name
 
 ZONES = ["UTC", "Europe/Berlin", "America/New_York", "Asia/Kolkata", "Pacific/Marquesas",
          "America/St_Johns", "Pacific/Kiritimati", "Pacific/Pago_Pago"]
+LOCALES = [None, None, *((name, "UTF-8") for name in locales.REAL), ("fr_FR", "ISO-8859-1")]
 FIELDS = ["date", "time", "c-ip", "cs-username", "cs-method", "cs-uri-stem", "cs-uri-query",
           "sc-status", "sc-bytes", "cs-bytes", "time-taken", "cs-host", "cs(User-Agent)",
           "cs(Referer)", "s-computername", "x-other", "C-IP", "Time"]
@@ -112,6 +114,8 @@ def run_seed(seed, program, version):
     """The problems of one seed."""
     dice = random.Random(seed)
     zone = dice.choice(ZONES)
+    language = dice.choice(LOCALES)
+    language = language and locales.locale(*language)
     now = datetime.datetime(2026, 1, 1, tzinfo=datetime.timezone.utc) + datetime.timedelta(
         minutes=dice.choice([dice.randint(0, 500000), 360, 31 * 1440 + 30]))
     bias, wall_offset = offsets(zone, now)
@@ -130,9 +134,10 @@ def run_seed(seed, program, version):
         box.configure("s", settings, stored)
         placed = {name: box.placed(value) for name, value in {**SITE_VALUES, **settings}.items()}
         run = Run(command, placed, stored, now, bias, wall_offset, host_name(),
-                  {"127.0.0.1": "@LOOPBACK@"})
+                  {"127.0.0.1": "@LOOPBACK@"}, months=language and language.months())
         wanted = run.execute(before["History.txt"])
-        done = box.run(program, command.split(), int(now.timestamp()), zone)
+        done = box.run(program, command.split(), int(now.timestamp()), zone,
+                       language and language.environment())
         files = {name: filled_in(content, box, version)
                  for name, content in {**before, **wanted.files}.items()}
         events = [filled_in(line.encode("latin-1"), box, version) for line in wanted.events]

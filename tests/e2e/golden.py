@@ -1,17 +1,20 @@
 """The golden cases: how one is stored, staged in a sandbox and answered by the oracle.
 
 A case is a folder with `case.json`, `in/` (the log folder), optionally `before/` (what the usage
-folder holds beforehand) and `expected/` (`usage/` and `events.log`). A log named `*.in` is a
-template: `{{A*40000}}` stands for 40,000 letters A, `{{00ff}}` for bytes in hexadecimal.
+folder holds beforehand), `month_names` (the source of a locale to run in) and `expected/` (`usage/`
+and `events.log`). A log named `*.in` is a template: `{{A*40000}}` stands for 40,000 letters A,
+`{{00ff}}` for bytes in hexadecimal.
 """
 
 import datetime
+import functools
 import json
 import os
 import re
 import shutil
 import stat
 
+import locales
 from oracle.run import Run
 from sandbox import SITE_VALUES
 
@@ -49,6 +52,19 @@ class Case:
         owner = values.get("logs_of", name)
         self.logs_in = os.path.join(GOLDEN, owner, "in")
 
+    @functools.cached_property
+    def locale(self):
+        """The locale to run in; None for the C locale."""
+        return locales.locale(self._locale_source) if self.has_locale else None
+
+    @property
+    def has_locale(self):
+        return os.path.exists(self._locale_source)
+
+    @property
+    def _locale_source(self):
+        return os.path.join(self.folder, "month_names")
+
     @property
     def epoch(self):
         return int(self.moment.timestamp())
@@ -78,7 +94,8 @@ class Case:
                                 for rule in self.rules]
         environment = {name: sandbox.placed(value) for name, value in self.environment.items()}
         run = Run(latin(self.command), settings, rules, self.moment, self.bias, self.wall_offset,
-                  "@HOST@", self.names, environment=environment)
+                  "@HOST@", self.names, environment=environment,
+                  months=self.locale and self.locale.months())
         files = sandbox.usage_files()
         result = run.execute(files.get("History.txt", b""))
         files.update(result.files)

@@ -8,11 +8,12 @@ import random
 import sys
 import unittest
 
-from golden import Case
+from golden import Case, latin
 from oracle import basics, classify, filters, ranked
 from oracle.csvfile import Number, record
 from oracle.frame import days_of_period, site_label
 from oracle.history import History, Row
+from oracle.months import Months, link
 from oracle.reading import Reader, Tokens, year_month
 from oracle.run import Run
 from oracle.stats import file_type
@@ -91,7 +92,7 @@ class BasicsTest(unittest.TestCase):
 
     def test_dates_of_the_pages(self):
         moment = datetime.datetime(2026, 1, 5, 7, 3, 9)
-        self.assertEqual(basics.clock_text(moment), "5-Jan-2026 07:03")
+        self.assertEqual(basics.clock_text(moment, "Jan"), "5-Jan-2026 07:03")
         self.assertEqual(basics.expiry_text(moment), "Mon, 5 Jan 2026 07:03:09")
 
 
@@ -348,6 +349,23 @@ class HistoryTest(unittest.TestCase):
         self.assertEqual(Row(1, 2026, *[0] * 8).response(), 0)
 
 
+class MonthsTest(unittest.TestCase):
+    def test_english(self):
+        months = Months()
+        self.assertEqual([months.name(5), months.abbreviation(9), months.file_base(9)],
+                         ["May", "Sep", "Sep"])
+
+    def test_file_names_lose_blanks_at_their_ends_and_slashes(self):
+        months = Months(short=[" 1x", "a b ", "m/t"] + 9 * ["x"])
+        self.assertEqual([months.file_base(month) for month in (1, 2, 3)], ["1x", "a b", "m_t"])
+        self.assertEqual(months.abbreviation(1), " 1x")
+
+    def test_links(self):
+        self.assertEqual(link("Jan-URLbyHits.csv"), "Jan-URLbyHits.csv")
+        self.assertEqual(link(latin("f\u00e9vr..htm")), "f%C3%A9vr..htm")
+        self.assertEqual(link("a b%#?&\"'"), "a%20b%25%23%3F%26%22%27")
+
+
 class SwitchesTest(unittest.TestCase):
     def site(self, command):
         run = run_with(command)
@@ -365,11 +383,11 @@ class SwitchesTest(unittest.TestCase):
         self.assertEqual(self.site("/SITE=")[0], "")
 
     def test_months(self):
-        self.assertEqual(run_with(now=(2026, 1, 1)).months(), [(12, 2025), (1, 2026)])
-        self.assertEqual(run_with(now=(2026, 1, 2)).months(), [(1, 2026)])
+        self.assertEqual(run_with(now=(2026, 1, 1)).period(), [(12, 2025), (1, 2026)])
+        self.assertEqual(run_with(now=(2026, 1, 2)).period(), [(1, 2026)])
         catch_up = run_with(now=(2026, 3, 15))
         catch_up.catch_up = True
-        self.assertEqual(catch_up.months(), [(m, 2025) for m in range(3, 13)]
+        self.assertEqual(catch_up.period(), [(m, 2025) for m in range(3, 13)]
                          + [(1, 2026), (2, 2026), (3, 2026)])
 
 

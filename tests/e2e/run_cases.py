@@ -81,8 +81,9 @@ def run_program(case, program, version):
     """The problems of one case."""
     with Sandbox() as sandbox:
         case.stage(sandbox)
+        language = case.locale.environment() if case.locale else {}
         done = sandbox.run(program, case.command.split(" "), case.epoch, case.tz,
-                           case.environment)
+                           {**case.environment, **language})
         files, events = case.expected()
         files = {name: filled_in(content, sandbox, version) for name, content in files.items()}
         events = [filled_in(line, sandbox, version) for line in events]

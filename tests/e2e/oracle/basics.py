@@ -7,20 +7,11 @@ import struct
 from decimal import ROUND_HALF_UP, Decimal
 from fractions import Fraction
 
-MONTH_NAMES = ["January", "February", "March", "April", "May", "June", "July", "August",
-               "September", "October", "November", "December"]
+from .months import ENGLISH_SHORT
 
 
 class Fault(Exception):
     """A run-time error of one step: an overflow or an index out of range."""
-
-
-def month_name(month):
-    return MONTH_NAMES[month - 1]
-
-
-def month_abbreviation(month):
-    return MONTH_NAMES[month - 1][:3]
 
 
 def single(value):
@@ -143,15 +134,15 @@ def month_length(month, year):
     return 30 if month in (4, 6, 9, 11) else 31
 
 
-def clock_text(moment):
-    return "%d-%s-%04d %02d:%02d" % (moment.day, month_abbreviation(moment.month), moment.year,
-                                     moment.hour, moment.minute)
+def clock_text(moment, month_name):
+    return "%d-%s-%04d %02d:%02d" % (moment.day, month_name, moment.year, moment.hour,
+                                     moment.minute)
 
 
 def expiry_text(moment):
     days = ["Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"]
     return "%s, %d %s %04d %02d:%02d:%02d" % (
-        days[moment.weekday()], moment.day, month_abbreviation(moment.month), moment.year,
+        days[moment.weekday()], moment.day, ENGLISH_SHORT[moment.month - 1], moment.year,
         moment.hour, moment.minute, moment.second)
 
 

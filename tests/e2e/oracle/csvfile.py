@@ -1,5 +1,7 @@
 """The records of the CSV companions."""
 
+from .months import link
+
 
 class Number(str):
     """A field that is written without quotes."""
@@ -25,7 +27,8 @@ class CsvFiles:
     def link(self, name):
         if not self.enabled:
             return ""
-        return ' <small><a href="' + csv_name(self.base, name) + '">(Download)</a></small>'
+        address = link(csv_name(self.base, name))
+        return ' <small><a href="' + address + '">(Download)</a></small>'
 
     def write(self, name, records):
         if self.enabled:

@@ -2,8 +2,9 @@
 
 import re
 
-from .basics import MONTH_NAMES, bar_height, full_scale, month_abbreviation, plain, rounded
+from .basics import bar_height, full_scale, plain, rounded
 from .frame import END_OF_PAGE, days_of_period, footer_start, head, site_label
+from .months import ENGLISH_SHORT, link
 
 NUMBER = re.compile(r" *([+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?) *")
 ANNUAL_HEADER = "mon, yr, bytes, hits, pages, upages, responseTime, visitors, visits, files"
@@ -61,11 +62,11 @@ class History:
 
 
 def _chart(run, slots, scales):
-    link = ' <small><a href="Annual.csv">(Download)</a></small>' if run.csv else ""
+    download = ' <small><a href="Annual.csv">(Download)</a></small>' if run.csv else ""
     out = ['<table width="90%" border=1 rules=groups frame=box cellpadding=0>',
-           "<caption><b>Usage summary for " + run.host + "</b>" + link + "</caption>",
+           "<caption><b>Usage summary for " + run.host + "</b>" + download + "</caption>",
            "<tfoot>", "<tr align=left><td></td>"]
-    out += ["<td colspan=5><tt><b>" + name[:3] + "</b></tt></td>" for name in MONTH_NAMES]
+    out += ["<td colspan=5><tt><b>" + name + "</b></tt></td>" for name in ENGLISH_SHORT]
     out += ["</tr>", "</tfoot>", "<tbody>",
             '<tr><td style="width:1px; border-left:1px solid black"><br></td><!-- Axis-->']
     colours = ("green", "red", "orange", "pink")
@@ -103,12 +104,13 @@ def _table(run, slots):
         if row.yr == 0:
             continue
         days = days_of_period(row.mon, row.yr, run.today)
-        name = month_abbreviation(row.mon)
         cells = (rounded(row.hits / days), rounded(row.files / days), rounded(row.pages / days),
                  rounded(row.bytes / (days * 1000)), plain(row.visitors), plain(row.visits),
                  plain(row.hits), plain(row.files), plain(row.upages),
                  rounded(row.bytes / 1000), rounded(row.response()))
-        out.append("<tr align=right><td><a href=%s.htm>%s %d</a></td>" % (name, name, row.yr)
+        page = link(run.months.file_base(row.mon) + ".htm")
+        name = run.months.abbreviation(row.mon)
+        out.append("<tr align=right><td><a href=%s>%s %d</a></td>" % (page, name, row.yr)
                    + "".join("<td>" + cell + "</td>" for cell in cells) + "</tr>")
     return out + ["  </tbody></table>"]
 

@@ -1,6 +1,6 @@
 """The month page: frame, summary table and the daily and hourly sections."""
 
-from .basics import (bar_height, escape, full_scale, is_weekend, month_name, plain, rounded, share,
+from .basics import (bar_height, escape, full_scale, is_weekend, plain, rounded, share,
                      tenths)
 from .classify import status_meaning
 from .csvfile import CsvFiles, Number
@@ -23,7 +23,8 @@ class Context:
         self.run = run
         self.stats = stats
         self.month, self.year = month, year
-        self.period = month_name(month) + " " + str(year)
+        self.month_name = run.months.name(month)
+        self.period = self.month_name + " " + str(year)
         self.days = days_of_period(month, year, run.today)
         self.csv = CsvFiles(run.csv, base)
 
@@ -41,7 +42,7 @@ def _head(c):
     run = c.run
     generated = run.utc_text + " (UTC)" if run.use_utc else run.wall_text + " (local time)"
     return head(run, run.host + " - " + c.period) + [
-        "<H2>" + month_name(c.month) + " Usage Statistics for " + run.host + c.stats.host_label
+        "<H2>" + c.month_name + " Usage Statistics for " + run.host + c.stats.host_label
         + site_label(run.site) + "</H2>",
         "<SMALL><STRONG>Summary Period: " + c.period + "<BR>Generated " + generated
         + "<BR></STRONG></SMALL><HR><center>"]
@@ -90,7 +91,7 @@ def _measures(c):
 
 def _busiest(c, what, day, hour):
     return "Busiest single hour %s [max on %d:00-%d:59 on %d-%s]" % (
-        what, hour, hour, day, month_name(c.month))
+        what, hour, hour, day, c.month_name)
 
 
 def _best_day(values):
@@ -118,7 +119,7 @@ def _breakdown(c):
         records.append((record_label, Number(plain(average)), Number(largest)))
 
     def on_day(values):
-        return " [max on %d-%s]" % (_best_day(values), month_name(c.month))
+        return " [max on %d-%s]" % (_best_day(values), c.month_name)
 
     peak = plain(s.peak_hits)
     pair("Hits", s.total_hits, s.hour_hits,

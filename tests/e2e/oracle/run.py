@@ -5,6 +5,7 @@ import os
 
 from . import basics, filters
 from .history import History, Row, index_page
+from .months import Months
 from .page import month_page
 from .reading import Reader
 
@@ -32,7 +33,7 @@ class Run:
     credit = "by the Hitwick developers"
 
     def __init__(self, command, settings, rules, now, bias, wall_offset, host, names=None,
-                 version="@VERSION@", environment=None):
+                 version="@VERSION@", environment=None, months=None):
         self.command = command
         self.settings = settings
         self.stored_rules = rules
@@ -45,8 +46,10 @@ class Run:
         self.version = version
         self.environment = environment or {}
         self.today = self.wall.date()
-        self.utc_text = basics.clock_text(self.utc)
-        self.wall_text = basics.clock_text(self.wall)
+        self.months = months or Months()
+        self.utc_text, self.wall_text = (
+            basics.clock_text(moment, self.months.abbreviation(moment.month))
+            for moment in (self.utc, self.wall))
         self.site = ""
         self.batch = self.catch_up = self.diagnostics = False
         self.result = Result()
@@ -128,7 +131,7 @@ class Run:
             "and a site at most 32767 filters"))
         return usable
 
-    def months(self):
+    def period(self):
         """The (month, year) pairs of the run, in order."""
         year, month = self.today.year, self.today.month
         if self.catch_up:
@@ -148,10 +151,10 @@ class Run:
         history.load(content)
         reader = Reader(self.log_dir, 0 if self.use_utc else self.zone_bias, self.rules,
                         self.diagnostics, self.warn, self.inform)
-        for month, year in self.months():
+        for month, year in self.period():
             stats = reader.read_month(month, year)
             history.add(_history_row(stats, month, year))
-            base = basics.month_abbreviation(month)
+            base = self.months.file_base(month)
             self.inform("Hitwick: month report created : " + self.usage_dir + "/" + base + ".htm")
             lines, csv_files = month_page(self, stats, month, year, base)
             self._keep(base + ".htm", "".join(line + "\r\n" for line in lines))
@@ -163,7 +166,7 @@ class Run:
         self._keep("index.htm", "".join(line + "\r\n" for line in index_page(self, history)))
 
     def _keep(self, name, text):
-        self.result.files[name] = text.encode("latin-1")
+        self.result.files[os.fsdecode(name.encode("latin-1"))] = text.encode("latin-1")
 
 
 def _site_name(value):
