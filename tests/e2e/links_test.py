@@ -12,7 +12,6 @@ import datetime
 import glob
 import http.server
 import os
-import sys
 import threading
 import time
 import unittest
@@ -20,7 +19,7 @@ import urllib.parse
 
 import locales
 from browser import Browser
-from sandbox import Sandbox
+from sandbox import Sandbox, take_program
 
 PROGRAM = ""
 YEAR = 2026
@@ -196,7 +195,5 @@ for _source in locales.REAL:
 
 
 if __name__ == "__main__":
-    if len(sys.argv) < 3 or sys.argv[1] != "--program":
-        sys.exit(__doc__)
-    PROGRAM = os.path.abspath(sys.argv[2])
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    PROGRAM = take_program(__doc__)
+    unittest.main()

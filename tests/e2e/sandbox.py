@@ -6,9 +6,23 @@ import re
 import shutil
 import socket
 import subprocess
+import sys
 import tempfile
 
 SITE_VALUES = {"IISLogDir": "@ROOT@/logs", "UsageDir": "@ROOT@/usage"}
+
+
+def take_program(usage):
+    """Takes `--program PATH` from the command line, so that the test framework finds the rest
+    there; ends the script with its usage when it is missing."""
+    arguments = sys.argv[1:]
+    if "--program" not in arguments[:-1]:
+        sys.exit(usage)
+    at = arguments.index("--program")
+    sys.argv[1:] = arguments[:at] + arguments[at + 2:]
+    if not shutil.which("faketime"):
+        sys.exit(sys.argv[0] + " needs the program faketime (Debian package faketime)")
+    return os.path.abspath(arguments[at + 1])
 
 
 def host_name():
