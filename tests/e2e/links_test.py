@@ -158,7 +158,7 @@ class Links(unittest.TestCase):
         self.browser.click(element)
         self.wait_for(lambda: self.server.asked)
         name, = self.server.asked
-        self.assertIn(name, self.files)
+        self.assertIn(name, sorted(self.files))
         return name
 
     def downloaded(self, links):
