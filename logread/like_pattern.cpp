@@ -103,7 +103,7 @@ std::optional<LikePattern> LikePattern::Compile(std::string_view pattern) {
   return compiled;
 }
 
-bool LikePattern::Matches(std::string_view text, std::size_t* positions_tried) const {
+bool LikePattern::Matches(std::string_view text) const {
   const Stretch& first = stretches_.front();
   const Stretch& last = stretches_.back();
   if (stretches_.size() == 1) {
@@ -114,15 +114,14 @@ bool LikePattern::Matches(std::string_view text, std::size_t* positions_tried) c
   if (!last.MatchesStartOf(text.substr(text.size() - last.length()))) return false;
   text.remove_prefix(first.length());
   text.remove_suffix(last.length());
-  return MatchesInner(text, positions_tried);
+  return MatchesInner(text);
 }
 
 // Taking each stretch at its first place leaves the most room for those after it, so no place has
 // to be tried again.
-bool LikePattern::MatchesInner(std::string_view text, std::size_t* positions_tried) const {
+bool LikePattern::MatchesInner(std::string_view text) const {
   for (std::size_t i = 1; i + 1 < stretches_.size(); ++i) {
     const std::size_t at = stretches_[i].FindIn(text);
-    if (positions_tried != nullptr) *positions_tried += std::min(at, text.size()) + 1;
     if (at == std::string_view::npos) return false;
     text.remove_prefix(at + stretches_[i].length());
   }

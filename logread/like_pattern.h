@@ -25,10 +25,8 @@ class LikePattern {
   static std::optional<LikePattern> Compile(std::string_view pattern);
 
   // Whether the whole of `text` matches. The time is at most the product of the two lengths,
-  // whatever the text. `positions_tried` is raised by the number of places at which a piece of the
-  // pattern that stands between two stars was tried: never more than the text has, and one for
-  // each star.
-  bool Matches(std::string_view text, std::size_t* positions_tried = nullptr) const;
+  // whatever the text.
+  bool Matches(std::string_view text) const;
 
  private:
   using CharacterSet = std::bitset<256>;
@@ -53,7 +51,7 @@ class LikePattern {
   // Adds the list that begins at pattern[*at], a "["; leaves *at after its "]". False when the
   // list is unusable.
   bool AppendList(std::string_view pattern, std::size_t* at);
-  bool MatchesInner(std::string_view text, std::size_t* positions_tried) const;
+  bool MatchesInner(std::string_view text) const;
 
   // The pattern cut at its stars: one stretch more than there are stars.
   std::vector<Stretch> stretches_;
