@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "config/calendar.h"
 #include "config/mdlConfigs.h"
@@ -49,31 +50,40 @@ bool ProcessFile(const std::string& name, const PeriodArguments& period) {
   return !QuitRequested();
 }
 
-// Reads the files of one neighbouring day: at most one for each prefix.
-bool ReadNeighbourDay(const calendar::Date& date, const PeriodArguments& period) {
+// The log files whose names begin with `stem`, a prefix and the digits of a month.
+std::vector<std::string> FilesOfMonth(const std::string& stem) {
+  return platform::TheFileSystem().ListFiles(mdlConfigs::Run().Settings.LogDir, stem, kLogSuffix);
+}
+
+// The log file whose name is `stem`, a prefix and the digits of a day: one at most, of several
+// spellings the first.
+std::vector<std::string> FileOfDay(const std::string& stem) {
+  std::vector<std::string> names = FilesOfMonth(stem);
+  std::erase_if(names, [&](const std::string& name) {
+    return name.size() != stem.size() + kLogSuffix.size();
+  });
+  if (names.size() > 1) names.resize(1);
+  return names;
+}
+
+// Reads what `files_of` finds for each prefix and the digits.
+template <class FilesOf>
+bool ReadFiles(FilesOf files_of, const std::string& digits, const PeriodArguments& period) {
   for (const std::string_view prefix : kPrefixes) {
-    const std::string stem =
-        std::string(prefix) + MonthDigits(date.year, date.month) + text::TwoDigits(date.day);
-    const auto names =
-        platform::TheFileSystem().ListFiles(mdlConfigs::Run().Settings.LogDir, stem, kLogSuffix);
-    for (const std::string& name : names) {
-      if (name.size() != stem.size() + kLogSuffix.size()) continue;
+    for (const std::string& name : files_of(std::string(prefix) + digits)) {
       if (!ProcessFile(name, period)) return false;
-      break;
     }
   }
   return true;
 }
 
+bool ReadNeighbourDay(const calendar::Date& date, const PeriodArguments& period) {
+  return ReadFiles(FileOfDay, MonthDigits(date.year, date.month) + text::TwoDigits(date.day),
+                   period);
+}
+
 bool ReadMonthFiles(const PeriodArguments& period) {
-  for (const std::string_view prefix : kPrefixes) {
-    const std::string stem = std::string(prefix) + MonthDigits(period.year, period.month);
-    for (const std::string& name :
-         platform::TheFileSystem().ListFiles(mdlConfigs::Run().Settings.LogDir, stem, kLogSuffix)) {
-      if (!ProcessFile(name, period)) return false;
-    }
-  }
-  return true;
+  return ReadFiles(FilesOfMonth, MonthDigits(period.year, period.month), period);
 }
 
 // East of UTC the month begins in the log of the day before it, elsewhere it ends in the log of
