@@ -16,17 +16,33 @@ constexpr std::string_view kFieldsDirective = "#Fields:";
 constexpr std::size_t kLastCursor = 32767;  // the cursor is a 16-bit integer
 constexpr std::int32_t kLongestFailureMs = 1200000;
 
-// In the order of `Field`.
-constexpr std::string_view kFieldNames[kFieldKinds] = {
-    "date",        "time",         "c-ip",           "cs-method",
-    "cs-uri-stem", "cs-uri-query", "sc-status",      "sc-bytes",
-    "cs-bytes",    "time-taken",   "cs(User-Agent)", "cs(Referer)",
-    "cs-username", "cs-host",      "s-computername", ""};
+// In the order of `Field`, without `kOther`.
+// One name to a line.
+// clang-format off
+constexpr std::string_view kFieldNames[] = {
+    "date",
+    "time",
+    "c-ip",
+    "cs-method",
+    "cs-uri-stem",
+    "cs-uri-query",
+    "sc-status",
+    "sc-bytes",
+    "cs-bytes",
+    "time-taken",
+    "cs(User-Agent)",
+    "cs(Referer)",
+    "cs-username",
+    "cs-host",
+    "s-computername",
+};
+// clang-format on
+static_assert(std::size(kFieldNames) + 1 == kFieldKinds);
 
 ReadingState reading;
 
 Field FieldOf(std::string_view name) {
-  for (std::size_t i = 0; i + 1 < kFieldKinds; ++i) {
+  for (std::size_t i = 0; i < std::size(kFieldNames); ++i) {
     if (kFieldNames[i] == name) return static_cast<Field>(i);
   }
   return Field::kOther;
@@ -245,7 +261,7 @@ class RecordReader {
 ReadingState& Reading() { return reading; }
 
 void PrepareFilters() {
-  for (std::size_t i = 0; i + 1 < kFieldKinds; ++i) {
+  for (std::size_t i = 0; i < std::size(kFieldNames); ++i) {
     reading.rules[i] = mdlFilters::FieldRules(kFieldNames[i]);
   }
 }
