@@ -17,6 +17,7 @@
 #include "platform/service.h"
 #include "stats/mdlMonth.h"
 #include "stats/mdlVisit.h"
+#include "stats/tally_keys.h"
 #include "tests/fakes/fake_clock.h"
 #include "tests/fakes/fake_file_system.h"
 #include "tests/fakes/recording_event_log.h"
@@ -72,14 +73,7 @@ class ReaderTest : public testing::Test {
     return names;
   }
 
-  static List Keys(mdlMonth::TallyTable& table) {
-    List keys;
-    for (std::int32_t rank = 1; rank <= table.Count(); ++rank) {
-      keys.emplace_back(table.At(rank).Key);
-    }
-    return keys;
-  }
-  static List Urls() { return Keys(Month().SuccessUrls); }
+  static List Urls() { return stats::Keys(Month().SuccessUrls); }
   // The days or hours that have hits.
   static std::vector<int> DaysWithHits() {
     std::vector<int> days;

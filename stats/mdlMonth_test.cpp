@@ -385,17 +385,6 @@ TEST_F(InitMonthTest, EmptiesEveryTableButTheAgentsOfRobotsTxt) {
   EXPECT_EQ(Keys(Month().RobotsTxtAgents), KeyList{"Mozilla"});
 }
 
-TEST_F(InitMonthTest, KeepsTheCapacityOfTheTables) {
-  for (int i = 0; i < 500; ++i) {
-    const std::string uri = "/page" + std::to_string(i);
-    AddUri(uri);
-  }
-  const std::int32_t capacity = Month().SuccessUrls.UpperIndex();
-  EXPECT_GE(capacity, 500);
-  InitMonth();
-  EXPECT_EQ(Month().SuccessUrls.UpperIndex(), capacity);
-}
-
 TEST_F(InitMonthTest, TablesRankedByMetricCountAgainInTheNextMonth) {
   AddUri("/a");
   mdlMonth::SortTallyByMetric(Month().SuccessUrls);

@@ -14,19 +14,12 @@
 #include "stats/log_record.h"
 #include "stats/mdlMonth.h"
 #include "stats/mdlVisit.h"
+#include "stats/tally_keys.h"
 #include "tests/fakes/recording_event_log.h"
 
 class MonthTest : public testing::Test {
  protected:
   using KeyList = std::vector<std::string>;
-
-  static KeyList Keys(mdlMonth::TallyTable& table) {
-    KeyList keys;
-    for (std::int32_t rank = 1; rank <= table.Count(); ++rank) {
-      keys.emplace_back(table.At(rank).Key);
-    }
-    return keys;
-  }
 
   // A hit of which every field has something to count.
   static stats::LogRecord FullRecord() {

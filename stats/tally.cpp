@@ -75,7 +75,6 @@ void TallyTable::Enter(Ref row, float value) {
   rows_.push_back(row);
   CellAt(row) = {++additions_, 1, value};
   keys_->AddUse();
-  if (Count() > upper_index_) upper_index_ = 2 * Count();
 }
 
 void TallyTable::Clear() {

@@ -35,8 +35,6 @@ class TallyTable {
 
   // The number of entries, N.
   std::int32_t Count() const { return static_cast<std::int32_t>(rows_.size()); }
-  // The capacity in entries: 1 when fresh, then 4, 10, 22, 46, ...; kept by `Clear`.
-  std::int32_t UpperIndex() const { return upper_index_; }
   // Row `rank` (1..N) of the table's present order.
   TallyEntry At(std::int32_t rank);
   // The entry of exactly that key (letter case counts); false when there is none.
@@ -80,7 +78,6 @@ class TallyTable {
   const std::size_t column_ = 0;
   std::vector<Ref> rows_;  // in order of first addition
   std::uint64_t additions_ = 0;
-  std::int32_t upper_index_ = 1;
   Order order_ = Order::kByCount;
   std::vector<Ref> rank_;
   std::size_t ranked_ = 0;

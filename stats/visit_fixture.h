@@ -12,6 +12,7 @@
 #include "platform/service.h"
 #include "stats/mdlMonth.h"
 #include "stats/mdlVisit.h"
+#include "stats/tally_keys.h"
 #include "tests/fakes/recording_event_log.h"
 
 class VisitTest : public testing::Test {
@@ -33,14 +34,6 @@ class VisitTest : public testing::Test {
   }
 
   static std::int32_t VisitsSoFar() { return mdlVisit::AllVisitLengths()[0].Visits; }
-
-  static std::vector<std::string> Keys(mdlMonth::TallyTable& table) {
-    std::vector<std::string> keys;
-    for (std::int32_t rank = 1; rank <= table.Count(); ++rank) {
-      keys.emplace_back(table.At(rank).Key);
-    }
-    return keys;
-  }
 
   fakes::RecordingEventLog log_;
 
