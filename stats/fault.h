@@ -1,5 +1,6 @@
 // The run-time errors of accumulating: the step that meets one ends there, its routine reports it
-// and the run goes on. Never leaves the module that threw it.
+// and the run goes on. `mdlMonth::AddHit`, `TallyAdd`, `mdlVisit` and `mdlW3C::ParseRecord` each
+// catch their own: a fault leaves a helper and the unit that threw it, never one of these calls.
 #ifndef HITWICK_STATS_FAULT_H_
 #define HITWICK_STATS_FAULT_H_
 

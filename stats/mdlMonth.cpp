@@ -1,6 +1,7 @@
 #include "stats/mdlMonth.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "config/mdlConfigs.h"
 #include "config/text.h"
@@ -15,15 +16,31 @@ using stats::AddTo;
 using stats::HashedKey;
 using stats::LogRecord;
 
-constexpr std::string_view kSuccessStatuses[] = {"200", "201", "202", "203",
-                                                 "204", "205", "206", "304"};
-constexpr std::string_view kRedirectStatuses[] = {"301", "302", "303", "307"};
+// One word to a line.
+// clang-format off
+constexpr std::string_view kSuccessStatuses[] = {
+    "200",
+    "201",
+    "202",
+    "203",
+    "204",
+    "205",
+    "206",
+    "304",
+};
+constexpr std::string_view kRedirectStatuses[] = {
+    "301",
+    "302",
+    "303",
+    "307",
+};
+// clang-format on
 constexpr std::string_view kRobotsTxt = "/robots.txt";
 constexpr std::string_view kEmptyMark = "-";
 
-MonthStats month_stats;
+TallyTable robots_txt_agents;
+std::optional<MonthStats> month_stats(std::in_place, robots_txt_agents);
 
-// Containment, not equality: a damaged, shorter status still counts by what it is part of.
 template <std::size_t N>
 bool OneContains(const std::string_view (&list)[N], std::string_view status) {
   return std::any_of(std::begin(list), std::end(list), [status](std::string_view member) {
@@ -31,13 +48,7 @@ bool OneContains(const std::string_view (&list)[N], std::string_view status) {
   });
 }
 
-// What an error message names: a label and the value that was being added.
-struct ErrorContext {
-  std::string_view label = "counters";
-  std::string_view value;
-};
-
-// One hit being added: the record, its texts hashed once for all tables, and how far it has got.
+// One hit being added: the record, and its texts hashed once for all tables.
 class HitAdder {
  public:
   explicit HitAdder(LogRecord& record)
@@ -49,11 +60,11 @@ class HitAdder {
         bytes_(static_cast<float>(record.bytesSent)) {}
 
   void Add() {
-    mdlVisit::ExpectHit(address_, agent_);
     AddCounters();
     AddPeakHour();
     AddUri();
     AddClient();
+    at_status_ = true;
     AddStatus();
     AddFile();
     AddQueryAndUser();
@@ -61,7 +72,12 @@ class HitAdder {
     if (!record_.hostLabel.empty()) month_.HostLabel = record_.hostLabel;
   }
 
-  const ErrorContext& context() const { return context_; }
+  // What an error message names. Tables and visits report their own errors, so a hit can end only
+  // at the counters and peaks before them or at the counts that depend on the status; the values
+  // that are added in between and afterwards never appear.
+  std::string Context() const {
+    return at_status_ ? std::string("Status=").append(record_.status) : "counters";
+  }
 
  private:
   void AddCounters() {
@@ -102,7 +118,6 @@ class HitAdder {
   }
 
   void AddUri() {
-    context_ = {"URI=", record_.uriStem};
     if (record_.uriStem.empty()) return;
     if (!record_.userAgent.empty() && text::EqualsIgnoringCase(record_.uriStem, kRobotsTxt)) {
       TallyAdd(agent_, month_.RobotsTxtAgents, bytes_);
@@ -113,13 +128,9 @@ class HitAdder {
   }
 
   void AddClient() {
-    context_ = {"UserAgent=", record_.userAgent};
     AddUnlessEmpty(agent_, month_.UserAgents);
-    context_ = {"Method=", record_.method};
     AddUnlessEmpty(record_.method, month_.Methods);
-    context_ = {"IP=", record_.clientAddress};
     AddUnlessEmpty(address_, month_.ClientAddresses);
-    context_ = {"Referer=", record_.referrer};
     AddUnlessEmpty(referrer_, month_.Referrers);
     if (record_.timeTaken > 0) {
       TallyAdd(uri_, month_.UrlResponseTimes, static_cast<float>(record_.timeTaken), true);
@@ -127,7 +138,6 @@ class HitAdder {
   }
 
   void AddStatus() {
-    context_ = {"Status=", record_.status};
     if (record_.status.empty() || IsSuccessStatus(record_.status)) {
       AddUnlessEmpty(uri_, month_.SuccessUrls);
     } else {
@@ -153,11 +163,9 @@ class HitAdder {
   }
 
   void AddQueryAndUser() {
-    context_ = {"Query=", record_.searchKeywords};
     if (record_.searchKeywords != kEmptyMark) {
       AddUnlessEmpty(record_.searchKeywords, month_.Queries);
     }
-    context_ = {"Username=", record_.userName};
     if (record_.userName == kEmptyMark) record_.userName = "Anonymous";
     AddUnlessEmpty(record_.userName, month_.UserNames);
   }
@@ -177,47 +185,13 @@ class HitAdder {
   const HashedKey address_;
   const HashedKey referrer_;
   const float bytes_;
-  MonthStats& month_ = month_stats;
-  ErrorContext context_;
+  MonthStats& month_ = Month();
+  bool at_status_ = false;
 };
-
-void ClearCounters(MonthStats& month) {
-  month.TotalBytes = month.TotalHits = month.TotalFiles = month.TotalPages = 0;
-  month.TotalTimeTaken = month.MaxTimeTaken = 0;
-  month.PeakHourBytes = month.PeakHourHits = 0;
-  month.PeakHourBytesDay = month.PeakHourHitsDay = 1;
-  month.PeakHourBytesHour = month.PeakHourHitsHour = 0;
-  month.CurrentHourBytes = month.CurrentHourHits = 0;
-  month.CurrentDay = month.CurrentHour = 0;
-  month.HostLabel.clear();
-}
-
-void ClearArrays(MonthStats& month) {
-  for (DayArray* days : {&month.DayBytes, &month.DayHits, &month.DayFiles, &month.DayPages,
-                         &month.DayTimeTaken, &month.DayFailures}) {
-    days->Clear();
-  }
-  for (HourArray* hours : {&month.HourBytes, &month.HourHits, &month.HourFiles, &month.HourPages,
-                           &month.HourTimeTaken}) {
-    hours->Clear();
-  }
-}
-
-// All but `RobotsTxtAgents`: a robot recognised in one month stays recognised in the next.
-void ClearTables(MonthStats& month) {
-  for (TallyTable* table :
-       {&month.SuccessUrls, &month.UserAgents, &month.ClientAddresses, &month.Methods,
-        &month.Referrers, &month.StatusCodes, &month.Queries, &month.UserNames, &month.Pages,
-        &month.FailedUrls, &month.FailedReferrers, &month.FileTypes, &month.UrlResponseTimes,
-        &month.Visits.AllEntry, &month.Visits.AllExit, &month.Visits.NonRobotEntry,
-        &month.Visits.NonRobotExit, &month.Browsers, &month.OperatingSystems}) {
-    table->Clear();
-  }
-}
 
 }  // namespace
 
-MonthStats& Month() { return month_stats; }
+MonthStats& Month() { return *month_stats; }
 
 bool IsSuccessStatus(std::string_view status) { return OneContains(kSuccessStatuses, status); }
 
@@ -226,9 +200,7 @@ bool IsSuccessOrRedirectStatus(std::string_view status) {
 }
 
 void InitMonth() {
-  ClearCounters(month_stats);
-  ClearArrays(month_stats);
-  ClearTables(month_stats);
+  month_stats.emplace(robots_txt_agents);
   mdlWebPage::BuildRobotWords();
 }
 
@@ -237,11 +209,7 @@ void AddHit(LogRecord& record) {
   try {
     hit.Add();
   } catch (const stats::Fault& fault) {
-    mdlConfigs::LogWarning(std::string("Error adding hit ")
-                               .append(hit.context().label)
-                               .append(hit.context().value)
-                               .append(" : ")
-                               .append(fault.description()));
+    mdlConfigs::LogWarning("Error adding hit " + hit.Context() + " : " + fault.description());
   }
 }
 

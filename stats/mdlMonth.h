@@ -16,33 +16,23 @@
 
 namespace mdlMonth {
 
-// Sums of one measure per day of the month (1..31) or per hour of the day (0..24; slot 24 takes
-// the hours that a damaged time can yield and is shown nowhere). Any other index is an error.
-class DayArray {
+// Sums of one measure, one for each number from `First` to `Last`; any other index is an error.
+template <int First, int Last>
+class NumberedSums {
  public:
-  float& operator[](int day) {
-    if (day < 1 || day > 31) stats::ThrowSubscript();
-    return values_[static_cast<std::size_t>(day)];
-  }
-  float operator[](int day) const { return const_cast<DayArray&>(*this)[day]; }
-  void Clear() { values_.fill(0); }
+  float& operator[](int number) { return values_[Place(number)]; }
+  float operator[](int number) const { return values_[Place(number)]; }
 
  private:
-  std::array<float, 32> values_{};
-};
-
-class HourArray {
- public:
-  float& operator[](int hour) {
-    if (hour < 0 || hour > 24) stats::ThrowSubscript();
-    return values_[static_cast<std::size_t>(hour)];
+  static std::size_t Place(int number) {
+    if (number < First || number > Last) stats::ThrowSubscript();
+    return static_cast<std::size_t>(number - First);
   }
-  float operator[](int hour) const { return const_cast<HourArray&>(*this)[hour]; }
-  void Clear() { values_.fill(0); }
-
- private:
-  std::array<float, 25> values_{};
+  std::array<float, Last - First + 1> values_{};
 };
+using DayArray = NumberedSums<1, 31>;  // days of the month
+// Hours of the day. Slot 24 takes the hours that a damaged time can yield and is shown nowhere.
+using HourArray = NumberedSums<0, 24>;
 
 // Entry and exit pages of visits; metric 1 per visit. Filled when a visit closes.
 struct VisitTables {
@@ -56,6 +46,9 @@ struct VisitTables {
 // Single-precision counters, hit counts included. Bytes are bytes, times are milliseconds. The
 // metric of every tally is the sum of the bytes sent unless said otherwise.
 struct MonthStats {
+  // With the one table that outlives the month.
+  explicit MonthStats(TallyTable& robots_txt_agents) : RobotsTxtAgents(robots_txt_agents) {}
+
   float TotalBytes = 0;
   float TotalHits = 0;
   float TotalFiles = 0;  // hits whose status is exactly "200"
@@ -79,12 +72,12 @@ struct MonthStats {
   std::string HostLabel;  // the last non-empty host label of a hit
 
   DayArray DayBytes, DayHits, DayFiles, DayPages, DayTimeTaken;
-  DayArray DayFailures;  // hits whose status is no success status
+  DayArray DayFailures;  // hits that are no success: redirects too, unlike `FailedUrls`
   HourArray HourBytes, HourHits, HourFiles, HourPages, HourTimeTaken;
 
   stats::KeyStore UriKeys{4};  // of SuccessUrls, Pages, FailedUrls and UrlResponseTimes
   TallyTable SuccessUrls{UriKeys, 0};
-  TallyTable RobotsTxtAgents;  // agents that fetched /robots.txt; kept from month to month
+  TallyTable& RobotsTxtAgents;  // agents that fetched /robots.txt; kept from month to month
   TallyTable UserAgents;
   TallyTable ClientAddresses;
   TallyTable Methods;
@@ -93,8 +86,8 @@ struct MonthStats {
   TallyTable Queries;  // search words of referrers
   TallyTable UserNames;
   TallyTable Pages{UriKeys, 1};
-  TallyTable FailedUrls{UriKeys, 3};
-  TallyTable FailedReferrers;
+  TallyTable FailedUrls{UriKeys, 3};        // neither success nor redirect
+  TallyTable FailedReferrers;               // likewise
   TallyTable FileTypes;                     // upper-case extensions
   TallyTable UrlResponseTimes{UriKeys, 2};  // metric: mean time taken
   VisitTables Visits;
@@ -110,10 +103,12 @@ void InitMonth();
 // Adds one hit. Day and hour index the arrays unchecked by the caller; an error in any step ends
 // the hit there, keeps what is already counted, and is reported as a warning in the event log. A
 // user name "-" is replaced by "Anonymous" in the record.
+//
+// How a status counts. As a file or page: when it is exactly "200". As a success or a redirect:
+// when it is contained in one of "200".."206", "304" / in one of those or of "301", "302", "303",
+// "307", so that a damaged, shorter status ("20", "4") still counts by what it is part of; an
+// empty one is contained in all of them and counts as a success.
 void AddHit(stats::LogRecord& record);
-
-// Whether a status text is contained in one of "200".."206", "304" (so "20" and "" count too) /
-// in one of those or of the redirects "301", "302", "303", "307".
 bool IsSuccessStatus(std::string_view status);
 bool IsSuccessOrRedirectStatus(std::string_view status);
 

@@ -22,10 +22,11 @@ struct BandRow {
   std::int32_t upper_bound;  // seconds
 };
 
-constexpr BandRow kBands[kBreakdownRows] = {
+constexpr BandRow kBands[] = {
     {"Total", 0},       {"very short <3 Secs", 3}, {"short <1 Min", 60},    {"< 10 Minutes", 600},
     {"< 1 Hour", 3600}, {"< 8 Hours", 28800},      {"Continuous", 2764800},  // 32 days
 };
+static_assert(std::size(kBands) == kBreakdownRows);
 
 struct VisitState {
   VisitSlots slots;
@@ -71,7 +72,6 @@ std::int32_t OpenVisit(const stats::HashedKey& clientIp, const stats::HashedKey&
   const std::int32_t slot = state.slots.Open(clientIp, userAgent);
   if (slot == VisitSlots::kNoSlot) stats::ThrowOverflow();
   stats::Visit& visit = state.slots[slot];
-  visit.HasRobotWord = mdlWebPage::HasRobotWord(userAgent.text);
   visit.EntryUri = uri;
   visit.StartTime = time;
   return slot;
@@ -99,10 +99,6 @@ void InitVisits() {
   state.tracking_error_reported = false;
 }
 
-void ExpectHit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent) {
-  state.slots.Prefetch(clientIp, userAgent);
-}
-
 void TrackVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent,
                 std::int32_t time, std::string_view uri, std::int32_t bytes) {
   try {
@@ -122,8 +118,7 @@ void CloseVisit(std::int16_t slot) {
   state.slots.Free(slot);
   std::int32_t seconds = visit.LastTime - visit.StartTime;
   if (seconds < 0) seconds += kSecondsOf31Days;
-  const bool robot =
-      visit.HasRobotWord || mdlWebPage::FetchedRobotsTxt({visit.UserAgent, visit.UserAgentHash});
+  const bool robot = mdlWebPage::IsRobot(visit.UserAgent);
   AddToBothBreakdowns(0, visit, seconds, robot);
   if (const int band = BandOf(seconds); band != 0) AddToBothBreakdowns(band, visit, seconds, robot);
   mdlMonth::VisitTables& tables = mdlMonth::Month().Visits;

@@ -42,9 +42,6 @@ std::int16_t SlotCapacity();
 // Forgets all visits and zeroes both breakdowns.
 void InitVisits();
 
-// Says that a hit of this visitor will come, so that its visit is at hand by then. Changes nothing.
-void ExpectHit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent);
-
 // Adds a hit to its visit, opening one when there is none. `time` is in seconds within the
 // period. Visits in lower slots (all slots, for a new visitor) that have been idle too long are
 // closed on the way.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <map>
+#include <span>
 #include <vector>
 
 #include "config/text.h"
@@ -73,61 +74,153 @@ constexpr StatusRow kStatusRows[] = {
     {"510", "Not Extended"},
 };
 
-// The token is looked for in the agent and shown; the name only tells what it stands for.
-struct BrowserRow {
-  std::string_view name;
-  std::string_view token;
-};
+// One word to a line.
+// clang-format off
 
 // The order decides: Chrome agents also name Safari, most agents also name Gecko.
-constexpr BrowserRow kBrowserRows[] = {
-    {"Microsoft Internet Explorer", "MSIE"},
-    {"Netscape Navigator", "Navigator"},
-    {"iCab", "iCab"},
-    {"Camino", "Camino"},
-    {"Chrome", "Chrome"},
-    {"Safari", "Safari"},
-    {"Firefox", "Firefox"},
-    {"Opera", "Opera"},
-    {"Konqueror", "Konqueror"},
-    {"SeaMonkey", "SeaMonkey"},
-    {"Gecko", "Gecko"},
-    {"Netscape", "Netscape"},
-    {"iTunes", "iTunes"},
-    {"Microsoft FrontPage", "FrontPage"},
-    {"Epiphany", "Epiphany"},
-    {"Galeon", "Galeon"},
-    {"WebKit", "WebKit"},
-    {"Voyager", "Voyager"},
-    {"Dillo", "Dillo"},
-    {"Lynx", "Lynx"},
+constexpr std::string_view kBrowserTokens[] = {
+    "MSIE",  // Microsoft Internet Explorer
+    "Navigator",  // Netscape Navigator
+    "iCab",
+    "Camino",
+    "Chrome",
+    "Safari",
+    "Firefox",
+    "Opera",
+    "Konqueror",
+    "SeaMonkey",
+    "Gecko",
+    "Netscape",
+    "iTunes",
+    "FrontPage",  // Microsoft FrontPage
+    "Epiphany",
+    "Galeon",
+    "WebKit",
+    "Voyager",
+    "Dillo",
+    "Lynx",
 };
 
 // "Linux" before "Android", so Android counts as Linux.
-constexpr std::string_view kOsTokens[] = {"Macintosh", "Darwin",     "Windows", "Linux", "Solaris",
-                                          "SunOS",     "BSD",        "AIX",     "HP-UX", "Symbian",
-                                          "Nokia",     "MIDP",       "iPod",    "iPad",  "iPhone",
-                                          "Android",   "BlackBerry", "Amiga"};
+constexpr std::string_view kOsTokens[] = {
+    "Macintosh",
+    "Darwin",
+    "Windows",
+    "Linux",
+    "Solaris",
+    "SunOS",
+    "BSD",
+    "AIX",
+    "HP-UX",
+    "Symbian",
+    "Nokia",
+    "MIDP",
+    "iPod",
+    "iPad",
+    "iPhone",
+    "Android",
+    "BlackBerry",
+    "Amiga",
+};
 
 // "bot" alone makes every agent that contains it a robot: deliberately broad.
-constexpr std::string_view kRobotWords[] = {"msnbot",    "mmcrawler", "googlebot", "slurp",
-                                            "bot",       "crawl",     "spider",    "ia_archiver",
-                                            "panscient", "yandex",    "walker",    "ScoutJet"};
+constexpr std::string_view kRobotWords[] = {
+    "msnbot",
+    "mmcrawler",
+    "googlebot",
+    "slurp",
+    "bot",
+    "crawl",
+    "spider",
+    "ia_archiver",
+    "panscient",
+    "yandex",
+    "walker",
+    "ScoutJet",
+};
 
 // Extensions without their dot; each also matches what begins with it.
-constexpr std::string_view kPageExtensions[] = {"htm", "shtml", "phtml", "asp", "php",
-                                                "jsp", "cgi",   "asa",   "chm"};
+constexpr std::string_view kPageExtensions[] = {
+    "htm",
+    "shtml",
+    "phtml",
+    "asp",
+    "php",
+    "jsp",
+    "cgi",
+    "asa",
+    "chm",
+};
 constexpr std::string_view kFileExtensions[] = {
-    "xml", "jpg", "jpeg", "ico", "gif", "mp",  "avi", "aif", "ogg", "png", "au",
-    "wav", "ra",  "ram",  "pcx", "tif", "bmp", "sdp", "rts", "qt",  "mov", "aac",
-    "asf", "css", "js",   "swf", "spl", "pic", "wmv", "zip", "exe", "gz"};
+    "xml",
+    "jpg",
+    "jpeg",
+    "ico",
+    "gif",
+    "mp",
+    "avi",
+    "aif",
+    "ogg",
+    "png",
+    "au",
+    "wav",
+    "ra",
+    "ram",
+    "pcx",
+    "tif",
+    "bmp",
+    "sdp",
+    "rts",
+    "qt",
+    "mov",
+    "aac",
+    "asf",
+    "css",
+    "js",
+    "swf",
+    "spl",
+    "pic",
+    "wmv",
+    "zip",
+    "exe",
+    "gz",
+};
 
 // Compared with letter case.
 constexpr std::string_view kSearchParameterNames[] = {
-    "q",   "qry",       "query",    "search",   "ask",      "Term", "Topic",  "pt",
-    "wf",  "prev",      "back",     "str",      "Keywords", "qkw",  "p",      "searchfor",
-    "aqa", "userQuery", "keywords", "wfq",      "MT",       "qs",   "as_epq", "as_oq",
-    "oq",  "w",         "Words",    "q_phrase", "what",     "k"};
+    "q",
+    "qry",
+    "query",
+    "search",
+    "ask",
+    "Term",
+    "Topic",
+    "pt",
+    "wf",
+    "prev",
+    "back",
+    "str",
+    "Keywords",
+    "qkw",
+    "p",
+    "searchfor",
+    "aqa",
+    "userQuery",
+    "keywords",
+    "wfq",
+    "MT",
+    "qs",
+    "as_epq",
+    "as_oq",
+    "oq",
+    "w",
+    "Words",
+    "q_phrase",
+    "what",
+    "k",
+};
+
+// clang-format on
 
 template <std::size_t N>
 stats::WordList MakeWordList(const std::string_view (&words)[N]) {
@@ -135,7 +228,6 @@ stats::WordList MakeWordList(const std::string_view (&words)[N]) {
 }
 
 std::map<std::string_view, std::string_view> status_meanings;
-std::vector<std::string_view> browser_tokens;
 stats::WordList browser_words;
 stats::WordList os_words;
 stats::WordList robot_words;
@@ -144,10 +236,11 @@ const stats::WordList file_extensions = MakeWordList(kFileExtensions);
 
 constexpr std::string_view kUnknown = "Unknown";
 
-// The place in its list of the first word that occurs; nothing occurs when it is `none`.
-std::size_t FirstWordIn(std::string_view text, const stats::WordList& words, std::size_t none) {
+// The first word of the list that occurs in the text; `words` was made from that list.
+std::string_view FirstWordIn(std::string_view text, const stats::WordList& words,
+                             std::span<const std::string_view> list) {
   const stats::WordList::Words found = words.OccurringIn(text);
-  return found == 0 ? none : static_cast<std::size_t>(std::countr_zero(found));
+  return found == 0 ? kUnknown : list[static_cast<std::size_t>(std::countr_zero(found))];
 }
 
 bool IsSearchParameter(std::string_view name) {
@@ -192,9 +285,7 @@ std::string DecodeValue(std::string_view query, std::size_t i) {
 void BuildLookupTables() {
   status_meanings.clear();
   for (const StatusRow& row : kStatusRows) status_meanings.emplace(row.code, row.meaning);
-  browser_tokens.clear();
-  for (const BrowserRow& row : kBrowserRows) browser_tokens.push_back(row.token);
-  browser_words = stats::WordList(browser_tokens);
+  browser_words = MakeWordList(kBrowserTokens);
   os_words = MakeWordList(kOsTokens);
 }
 
@@ -206,26 +297,16 @@ std::string StatusMeaning(std::string_view code) {
 }
 
 std::string_view BrowserOf(std::string_view userAgent) {
-  const std::size_t none = browser_tokens.size();
-  const std::size_t first = FirstWordIn(userAgent, browser_words, none);
-  return first == none ? kUnknown : browser_tokens[first];
+  return FirstWordIn(userAgent, browser_words, kBrowserTokens);
 }
 
 std::string_view OsOf(std::string_view userAgent) {
-  constexpr std::size_t kNoSystem = std::size(kOsTokens);
-  const std::size_t first = FirstWordIn(userAgent, os_words, kNoSystem);
-  return first == kNoSystem ? kUnknown : kOsTokens[first];
+  return FirstWordIn(userAgent, os_words, kOsTokens);
 }
 
 bool IsRobot(std::string_view userAgent) {
-  return FetchedRobotsTxt(userAgent) || HasRobotWord(userAgent);
+  return mdlMonth::Month().RobotsTxtAgents.Contains(userAgent) || robot_words.AnyIn(userAgent);
 }
-
-bool FetchedRobotsTxt(const stats::HashedKey& userAgent) {
-  return mdlMonth::Month().RobotsTxtAgents.Contains(userAgent);
-}
-
-bool HasRobotWord(std::string_view userAgent) { return robot_words.AnyIn(userAgent); }
 
 std::int16_t IsPage(std::string_view uri) {
   bool is_other_file = false;

@@ -9,8 +9,6 @@
 #include <string>
 #include <string_view>
 
-#include "stats/hashed_key.h"
-
 namespace mdlWebPage {
 
 // Fills the status, browser and operating-system tables.
@@ -30,9 +28,6 @@ std::string_view OsOf(std::string_view userAgent);
 // True for an agent that fetched /robots.txt in this run (exact comparison) or that contains one
 // of the robot words, letter case ignored.
 bool IsRobot(std::string_view userAgent);
-// The two halves of the test.
-bool FetchedRobotsTxt(const stats::HashedKey& userAgent);
-bool HasRobotWord(std::string_view userAgent);
 
 // 1 for a page, 0 for another file.
 std::int16_t IsPage(std::string_view uri);

@@ -7,7 +7,6 @@
 namespace stats {
 namespace {
 
-constexpr std::size_t kCacheLine = 64;
 constexpr std::int32_t kNotOpen = std::numeric_limits<std::int32_t>::max();
 
 std::uint64_t VisitorHash(const HashedKey& clientIp, const HashedKey& userAgent) {
@@ -22,27 +21,17 @@ VisitSlots::VisitSlots()
       index_(kIndexSize, 0),
       last_times_(2 * kLeaves, kNotOpen) {}
 
-template <class Accept>
-std::int32_t VisitSlots::FirstWithHash(std::uint64_t hash, Accept accept) const {
+std::int32_t VisitSlots::Find(const HashedKey& clientIp, const HashedKey& userAgent) const {
+  const std::uint64_t hash = VisitorHash(clientIp, userAgent);
   for (std::size_t i = (hash >> 32) % kIndexSize; index_[i] != 0; i = (i + 1) % kIndexSize) {
     const std::size_t slot = index_[i] - std::size_t{1};
-    if (hashes_[slot] == hash && accept(visits_[slot])) return static_cast<std::int32_t>(slot);
+    const Visit& visit = visits_[slot];
+    if (hashes_[slot] == hash && visit.ClientIp == clientIp.text &&
+        visit.UserAgent == userAgent.text) {
+      return static_cast<std::int32_t>(slot);
+    }
   }
   return kNoSlot;
-}
-
-std::int32_t VisitSlots::Find(const HashedKey& clientIp, const HashedKey& userAgent) const {
-  return FirstWithHash(VisitorHash(clientIp, userAgent), [&](const Visit& visit) {
-    return visit.ClientIp == clientIp.text && visit.UserAgent == userAgent.text;
-  });
-}
-
-void VisitSlots::Prefetch(const HashedKey& clientIp, const HashedKey& userAgent) const {
-  FirstWithHash(VisitorHash(clientIp, userAgent), [](const Visit& visit) {
-    const char* const bytes = reinterpret_cast<const char*>(&visit);
-    for (std::size_t at = 0; at < sizeof visit; at += kCacheLine) __builtin_prefetch(bytes + at);
-    return true;
-  });
 }
 
 std::int32_t VisitSlots::FirstIdleSince(std::int32_t time) const {
@@ -64,7 +53,6 @@ std::int32_t VisitSlots::Open(const HashedKey& clientIp, const HashedKey& userAg
   visit.Bytes = 0;
   visit.ClientIp = clientIp.text;
   visit.UserAgent = userAgent.text;
-  visit.UserAgentHash = userAgent.hash;
   hashes_[static_cast<std::size_t>(slot)] = VisitorHash(clientIp, userAgent);
   EnterInIndex(slot);
   return slot;

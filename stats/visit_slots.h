@@ -24,8 +24,6 @@ struct Visit {
   std::int32_t LastTime = 0;
   std::string ClientIp;
   std::string UserAgent;
-  std::uint64_t UserAgentHash = 0;
-  bool HasRobotWord = false;  // of the user agent
   std::string EntryUri;
   std::string ExitUri;
 };
@@ -45,8 +43,6 @@ class VisitSlots {
 
   // The slot of the open visit of exactly this visitor, or kNoSlot.
   std::int32_t Find(const HashedKey& clientIp, const HashedKey& userAgent) const;
-  // Asks the processor to fetch what `Find` will read, for a caller with other work to do first.
-  void Prefetch(const HashedKey& clientIp, const HashedKey& userAgent) const;
   // The lowest slot in use whose last time is below `time`, or kNoSlot.
   std::int32_t FirstIdleSince(std::int32_t time) const;
   // Opens the lowest free slot for a visitor, its sums at zero; kNoSlot when all 32,767 are in
@@ -63,9 +59,6 @@ class VisitSlots {
   static constexpr std::size_t kLeaves = 32768;
   static constexpr std::size_t kIndexSize = 65536;
 
-  // The first slot in use with this hash that `accept` takes, or kNoSlot.
-  template <class Accept>
-  std::int32_t FirstWithHash(std::uint64_t hash, Accept accept) const;
   std::size_t IndexStart(std::int32_t slot) const {
     return (hashes_[static_cast<std::size_t>(slot)] >> 32) % kIndexSize;
   }
