@@ -28,7 +28,6 @@ function(hitwick_tests name)
   foreach(folder IN LISTS arg_LIBRARIES)
     target_link_libraries(${name}_tests PRIVATE hitwick_${folder})
   endforeach()
-  target_compile_definitions(${name}_tests PRIVATE HITWICK_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   if(WIN32)
     hitwick_windows_services(${name}_tests)
   endif()
@@ -38,4 +37,12 @@ function(hitwick_tests name)
   else()
     gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 120 PROPERTIES LABELS ${arg_LABEL})
   endif()
+endfunction()
+
+# Tells these test files where the tree lies, as HITWICK_SOURCE_DIR. Only those that read it: the
+# others compile to the same bytes in every checkout.
+function(hitwick_reads_tree)
+  set_source_files_properties(
+    ${ARGN} PROPERTIES COMPILE_DEFINITIONS HITWICK_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+  )
 endfunction()
