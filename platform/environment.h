@@ -9,6 +9,10 @@ namespace platform {
 // The value of an environment variable; empty when it is not set.
 std::string EnvironmentVariable(const std::string& name);
 
+// The locale of the environment that names the months; "C" when none is named. (Windows has one
+// for each user, not for each process: empty.)
+std::string TimeLocaleName();
+
 // The full and the abbreviated name of a month (1..12) in the locale of the environment, in
 // UTF-8; English in the C locale.
 std::string MonthName(int month);

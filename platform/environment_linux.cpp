@@ -27,14 +27,6 @@ constexpr std::array<nl_item, kMonths> kAbbreviatedItems{ABMON_1, ABMON_2,  ABMO
                                                          ABMON_5, ABMON_6,  ABMON_7,  ABMON_8,
                                                          ABMON_9, ABMON_10, ABMON_11, ABMON_12};
 
-// The locale that the environment names for dates.
-std::string TimeLocaleName() {
-  for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
-    if (std::string name = EnvironmentVariable(variable); !name.empty()) return name;
-  }
-  return "C";
-}
-
 // `text` converted to UTF-8; empty when it is no valid text of that character set.
 std::string ToUtf8(std::string text, const char* codeset) {
   const iconv_t converter = iconv_open("UTF-8", codeset);
@@ -84,6 +76,13 @@ const MonthNames& Names() {
 std::string EnvironmentVariable(const std::string& name) {
   const char* value = std::getenv(name.c_str());
   return value != nullptr ? value : std::string();
+}
+
+std::string TimeLocaleName() {
+  for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+    if (std::string name = EnvironmentVariable(variable); !name.empty()) return name;
+  }
+  return "C";
 }
 
 std::string MonthName(int month) { return Names().full.at(static_cast<std::size_t>(month) - 1); }

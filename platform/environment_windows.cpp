@@ -31,6 +31,8 @@ std::string EnvironmentVariable(const std::string& name) {
   return ToUtf8(value);
 }
 
+std::string TimeLocaleName() { return ""; }
+
 std::string MonthName(int month) { return LocaleWord(LOCALE_SMONTHNAME1, month); }
 
 std::string MonthAbbreviation(int month) { return LocaleWord(LOCALE_SABBREVMONTHNAME1, month); }

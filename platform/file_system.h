@@ -57,6 +57,13 @@ class FileSystem {
   // missing or unreadable.
   virtual std::vector<std::string> ListFiles(const std::string& folder, std::string_view prefix,
                                              std::string_view suffix) = 0;
+  // The names of the folders directly in `folder`, in the order of `ListFiles`; links to folders
+  // count. Returns an error code; on failure there are no names. (Windows: folders that are both
+  // hidden and of the system's own are left out.)
+  virtual int ListFolders(const std::string& folder, std::vector<std::string>* names) = 0;
+  // Creates one folder in an existing one. Returns an error code; a name that is already taken is
+  // an error.
+  virtual int CreateFolder(const std::string& path) = 0;
   // Opens an existing file. Null with `*error` set when it cannot be opened; folders, pipes and
   // devices cannot.
   virtual std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) = 0;

@@ -44,6 +44,14 @@ int RefusalOf(int file) {
   return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
 }
 
+// True when an entry of an open folder is a folder or a link to one.
+bool IsFolder(DIR* listing, const dirent& entry) {
+  if (std::string_view(entry.d_name) == "." || std::string_view(entry.d_name) == "..") return false;
+  if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+  struct stat status {};
+  return fstatat(dirfd(listing), entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
 class PosixFileSystem : public FileSystem {
  public:
   bool FolderExists(const std::string& path) override {
@@ -66,6 +74,27 @@ class PosixFileSystem : public FileSystem {
     closedir(listing);
     SortNames(&names);
     return names;
+  }
+
+  int ListFolders(const std::string& folder, std::vector<std::string>* names) override {
+    names->clear();
+    DIR* listing = opendir(folder.c_str());
+    if (listing == nullptr) return errno;
+    errno = 0;
+    while (const dirent* entry = readdir(listing)) {
+      if (IsFolder(listing, *entry)) names->emplace_back(entry->d_name);
+      errno = 0;
+    }
+    const int error = errno;
+    closedir(listing);
+    if (error != 0) names->clear();
+    SortNames(names);
+    return error;
+  }
+
+  int CreateFolder(const std::string& path) override {
+    constexpr mode_t kAllTheUserAllows = 0777;
+    return mkdir(path.c_str(), kAllTheUserAllows) == 0 ? 0 : errno;
   }
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) override {

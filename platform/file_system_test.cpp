@@ -163,6 +163,47 @@ TEST_P(FileSystemTest, AFileInAMissingFolderCannotBeStarted) {
   EXPECT_NE(error, 0);
 }
 
+TEST_P(FileSystemTest, ListsTheFoldersDirectlyInAFolderInOrder) {
+  for (const char* name : {"web2", "Web10", "a b", ".hidden"}) MakeFolder(name);
+  MakeFolder(JoinPath("web2", "below"));
+  MakeFile("page", "x");
+  std::vector<std::string> names = {"old"};
+  EXPECT_EQ(TheFileSystem().ListFolders(root_, &names), 0);
+  EXPECT_EQ(names, (std::vector<std::string>{".hidden", "a b", "Web10", "web2"}));
+}
+
+TEST_P(FileSystemTest, AFolderWithoutFoldersListsNone) {
+  MakeFolder("empty");
+  std::vector<std::string> names = {"old"};
+  EXPECT_EQ(TheFileSystem().ListFolders(Path("empty"), &names), 0);
+  EXPECT_TRUE(names.empty());
+}
+
+TEST_P(FileSystemTest, WhatIsNoFolderCannotBeListed) {
+  MakeFile("page", "x");
+  for (const std::string& path : {Path("missing"), Path("page")}) {
+    std::vector<std::string> names = {"old"};
+    EXPECT_NE(TheFileSystem().ListFolders(path, &names), 0) << path;
+    EXPECT_TRUE(names.empty());
+  }
+}
+
+TEST_P(FileSystemTest, CreatesOneFolder) {
+  EXPECT_EQ(TheFileSystem().CreateFolder(Path("usage")), 0);
+  EXPECT_TRUE(TheFileSystem().FolderExists(Path("usage")));
+  EXPECT_EQ(Replace(JoinPath("usage", "Jan.htm"), "x"), 0);
+}
+
+TEST_P(FileSystemTest, AFolderNeedsAFreeNameInAnExistingFolder) {
+  MakeFolder("usage");
+  MakeFile("page", "x");
+  for (const std::string& path :
+       {Path("usage"), Path("page"), JoinPath(Path("missing"), "usage")}) {
+    EXPECT_NE(TheFileSystem().CreateFolder(path), 0) << path;
+  }
+  EXPECT_FALSE(TheFileSystem().FolderExists(Path("missing")));
+}
+
 INSTANTIATE_TEST_SUITE_P(FakeAndReal, FileSystemTest, testing::Values(true, false),
                          [](const auto& suite) { return suite.param ? "Fake" : "Real"; });
 
@@ -217,6 +258,15 @@ TEST_F(FailingFilesTest, OpeningCreatingAndCommittingFailOnDemand) {
   files_.create_failures[path_] = 30;
   EXPECT_EQ(TheFileSystem().CreateOutput(path_, &error), nullptr);
   EXPECT_EQ(error, 30);
+}
+
+TEST_F(FailingFilesTest, ListingAndCreatingFoldersFailOnDemand) {
+  std::vector<std::string> names;
+  files_.list_failures["folder"] = 13;
+  EXPECT_EQ(TheFileSystem().ListFolders("folder", &names), 13);
+  files_.create_failures[JoinPath("folder", "new")] = 28;
+  EXPECT_EQ(TheFileSystem().CreateFolder(JoinPath("folder", "new")), 28);
+  EXPECT_FALSE(TheFileSystem().FolderExists(JoinPath("folder", "new")));
 }
 
 }  // namespace

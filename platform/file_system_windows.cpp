@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/absolute_path_windows.h"
 #include "platform/file_system.h"
 #include "platform/names.h"
 #include "platform/service.h"
@@ -18,13 +19,6 @@ constexpr std::size_t kLongPath = 248;
 constexpr std::size_t kWriteBufferSize = 64 * 1024;
 
 int LastError() { return static_cast<int>(GetLastError()); }
-
-std::wstring AbsolutePath(const std::wstring& path) {
-  std::wstring absolute(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
-  absolute.resize(GetFullPathNameW(path.c_str(), static_cast<DWORD>(absolute.size()),
-                                   absolute.data(), nullptr));
-  return absolute;
-}
 
 // The path as the system calls take it. A long one is made absolute and gets the prefix `\\?\`
 // (`\\?\UNC\` for a share), behind which nothing is interpreted and `/` is no separator.
@@ -202,6 +196,15 @@ std::string TemporaryName(const std::string& path) {
          std::to_string(++count) + ".tmp";
 }
 
+// Whether a folder list shows an entry of a listing. What the system keeps in a drive's root for
+// itself, such as its recycle bin, is hidden and marked as its own.
+bool IsShownFolder(const WIN32_FIND_DATAW& entry, const std::wstring& path) {
+  constexpr DWORD kSystemsOwn = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+  const std::wstring_view name = entry.cFileName;
+  return name != L"." && name != L".." && (entry.dwFileAttributes & kSystemsOwn) != kSystemsOwn &&
+         IsFolder(FollowLink(entry.dwFileAttributes, path));
+}
+
 class SystemFiles : public FileSystem {
  public:
   bool FolderExists(const std::string& path) override {
@@ -227,6 +230,34 @@ class SystemFiles : public FileSystem {
     FindClose(search);
     SortNames(&names);
     return names;
+  }
+
+  int ListFolders(const std::string& folder, std::vector<std::string>* names) override {
+    names->clear();
+    if (!FolderExists(folder)) return ERROR_PATH_NOT_FOUND;
+    WIN32_FIND_DATAW entry = {};
+    const HANDLE search =
+        FindFirstFileExW(SystemPath(JoinPath(folder, "*")).c_str(), FindExInfoBasic, &entry,
+                         FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
+    // A drive's root has no entries of its own, so an empty one holds nothing that fits.
+    if (search == INVALID_HANDLE_VALUE) {
+      return LastError() == ERROR_FILE_NOT_FOUND ? 0 : LastError();
+    }
+    do {
+      std::string name = ToUtf8(entry.cFileName);
+      if (IsShownFolder(entry, SystemPath(JoinPath(folder, name)))) {
+        names->push_back(std::move(name));
+      }
+    } while (FindNextFileW(search, &entry));
+    const int error = LastError() == ERROR_NO_MORE_FILES ? 0 : LastError();
+    FindClose(search);
+    if (error != 0) names->clear();
+    SortNames(names);
+    return error;
+  }
+
+  int CreateFolder(const std::string& path) override {
+    return CreateDirectoryW(SystemPath(path).c_str(), nullptr) ? 0 : LastError();
   }
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) override {

@@ -5,6 +5,7 @@
 #ifndef HITWICK_PLATFORM_FOLDER_PATH_H_
 #define HITWICK_PLATFORM_FOLDER_PATH_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,9 @@ namespace platform {
 // without "." and "..", and without a separator at its end unless it is a root ("/", "C:\",
 // "\\server\share"). The folder need not exist. An empty path is the process's present folder.
 std::string NormalisedFolder(const std::string& path);
+
+// The length of the root that a normalised path begins with.
+std::size_t RootLength(std::string_view path);
 
 // The folders from the root down to `path`, which is normalised; the last one is `path` itself.
 std::vector<std::string> FolderChain(const std::string& path);

@@ -1,15 +1,10 @@
 #include "platform/mod_systemInfo.h"
 
-#include <string_view>
-
-#include "platform/file_system.h"
 #include "platform/message_box.h"
 #include "platform/shell.h"
 
 namespace mod_systemInfo {
 namespace {
-
-constexpr std::string_view kHelpPage = "index.htm";
 
 bool boxes_allowed = false;
 
@@ -25,10 +20,7 @@ void AllowBoxes(bool allowed) { boxes_allowed = allowed; }
 
 bool BoxesAllowed() { return boxes_allowed; }
 
-void OpenHelp() {
-  OpenOrTell(platform::JoinPath(platform::TheShell().ProgramFolder(), kHelpPage),
-             "Cannot locate help file");
-}
+void OpenHelp() { OpenOrTell(platform::TheShell().HelpPage(), "Cannot locate help file"); }
 
 void OpenFile(const std::string& path) { OpenOrTell(path, "Cannot locate file"); }
 

@@ -21,8 +21,8 @@ bool BoxesAllowed();
 // The operating system's major version (6 or more since Windows Vista). Linux counts as 6.
 std::int32_t GetOSMajorVersion();
 
-// Opens the help page, "index.htm" in the folder of the program's executable. A failure is shown
-// in a box and nothing else.
+// Opens the help page, "index.htm" in the folder of the program's executable (on Linux also in the
+// data folder that belongs to it). A failure is shown in a box and nothing else.
 void OpenHelp();
 
 // Opens a file with its associated program. A failure is shown in a box and nothing else.

@@ -26,17 +26,16 @@ class OpeningFiles : public ::testing::Test {
   platform::Replacement<platform::MessageBoxes> use_boxes_{boxes_};
 };
 
-TEST_F(OpeningFiles, HelpIsTheIndexPageBesideTheProgram) {
+TEST_F(OpeningFiles, HelpIsTheHelpPageOfTheProgram) {
   mod_systemInfo::OpenHelp();
-  EXPECT_THAT(shell_.asked, ElementsAre(platform::JoinPath("program-folder", "index.htm")));
+  EXPECT_THAT(shell_.asked, ElementsAre("help-folder/index.htm"));
   EXPECT_THAT(boxes_.shown, IsEmpty());
 }
 
 TEST_F(OpeningFiles, MissingHelpIsToldWithItsPath) {
   shell_.opens = false;
   mod_systemInfo::OpenHelp();
-  EXPECT_THAT(boxes_.shown, ElementsAre("Cannot locate help file '" +
-                                        platform::JoinPath("program-folder", "index.htm") + "'"));
+  EXPECT_THAT(boxes_.shown, ElementsAre("Cannot locate help file 'help-folder/index.htm'"));
 }
 
 TEST_F(OpeningFiles, FileIsOpenedByThePathGiven) {
@@ -65,6 +64,15 @@ TEST(ProgramFolder, HoldsTheRunningTestProgram) {
   EXPECT_TRUE(platform::TheFileSystem().FolderExists(folder));
   EXPECT_THAT(platform::TheFileSystem().ListFiles(folder, "platform_tests", ""),
               ::testing::Contains(::testing::StartsWith("platform_tests")));
+}
+
+TEST(ProgramFolder, HoldsTheProgramByItsName) {
+  EXPECT_THAT(platform::TheShell().ProgramName(), ::testing::StartsWith("platform_tests"));
+}
+
+TEST(HelpPage, LiesBesideTheProgramUnlessItIsFoundElsewhere) {
+  EXPECT_EQ(platform::TheShell().HelpPage(),
+            platform::JoinPath(platform::TheShell().ProgramFolder(), "index.htm"));
 }
 
 TEST(ErrorText, IsASentenceWithoutALineBreak) {

@@ -18,6 +18,11 @@ class Shell {
   // The folder that holds the program's executable, without a separator at its end; empty when
   // the system does not tell.
   virtual std::string ProgramFolder() = 0;
+  // The name of the executable in that folder; empty when the system does not tell.
+  virtual std::string ProgramName() = 0;
+  // The path of the help page. Windows: beside the executable. Linux: there, or in the data folder
+  // that belongs to it ("/usr/share/hitwick" for "/usr/bin"). The page may be missing.
+  virtual std::string HelpPage() = 0;
 };
 
 Shell& TheShell();

@@ -35,6 +35,13 @@ class WindowsShell : public Shell {
     const std::size_t separator = path.find_last_of(L'\\');
     return separator == std::wstring::npos ? "" : ToUtf8(path.substr(0, separator));
   }
+
+  std::string ProgramName() override {
+    const std::wstring path = ProgramPath();
+    return ToUtf8(path.substr(path.find_last_of(L'\\') + 1));
+  }
+
+  std::string HelpPage() override { return ProgramFolder() + "\\index.htm"; }
 };
 
 }  // namespace

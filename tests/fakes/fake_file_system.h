@@ -21,6 +21,7 @@ namespace fakes {
 class FakeFileSystem : public platform::FileSystem {
  public:
   static constexpr int kNotFound = 2;  // the same number on every system
+  static constexpr int kExists = 17;
   // An operation on a file that goes wrong once `bytes` bytes have been read or appended.
   struct Failure {
     int error = 0;
@@ -46,13 +47,32 @@ class FakeFileSystem : public platform::FileSystem {
                                      std::string_view suffix) override {
     std::vector<std::string> names;
     for (const auto& [path, content] : files) {
-      const std::string name = path.substr(path.rfind(platform::kPathSeparator) + 1);
+      const std::string name = NameOf(path);
       if (FolderOf(path) == folder && platform::NameFits(name, prefix, suffix)) {
         names.push_back(name);
       }
     }
     platform::SortNames(&names);
     return names;
+  }
+
+  int ListFolders(const std::string& folder, std::vector<std::string>* names) override {
+    names->clear();
+    if (const int error = CodeOf(list_failures, folder)) return error;
+    if (!FolderExists(folder)) return kNotFound;
+    for (const std::string& path : folders) {
+      if (path != folder && ParentOf(path) == folder) names->push_back(NameOf(path));
+    }
+    platform::SortNames(names);
+    return 0;
+  }
+
+  int CreateFolder(const std::string& path) override {
+    if (const int error = CodeOf(create_failures, path)) return error;
+    if (FolderExists(path) || Exists(path)) return kExists;
+    if (!FolderExists(ParentOf(path))) return kNotFound;
+    AddFolder(path);
+    return 0;
   }
 
   std::unique_ptr<platform::InputFile> OpenForReading(const std::string& path,
@@ -75,7 +95,8 @@ class FakeFileSystem : public platform::FileSystem {
   std::set<std::string> folders;
 
   std::map<std::string, int> open_failures;
-  std::map<std::string, int> create_failures;
+  std::map<std::string, int> create_failures;  // files and folders
+  std::map<std::string, int> list_failures;    // of the folders in a folder
   std::map<std::string, int> commit_failures;
   std::map<std::string, Failure> read_failures;
   std::map<std::string, Failure> append_failures;
@@ -139,6 +160,17 @@ class FakeFileSystem : public platform::FileSystem {
   static std::string FolderOf(const std::string& path) {
     const std::size_t separator = path.rfind(platform::kPathSeparator);
     return separator == std::string::npos ? std::string() : path.substr(0, separator);
+  }
+  // The folder that holds a folder; a root ("/", "C:\") keeps its separator.
+  static std::string ParentOf(const std::string& path) {
+    if (path.find(platform::kPathSeparator) == std::string::npos) return "";
+    const std::string parent = FolderOf(path);
+    const std::string root = parent + platform::kPathSeparator;
+    const bool below_root = parent.empty() || parent.back() == ':';
+    return below_root && path.size() > root.size() ? root : parent;
+  }
+  static std::string NameOf(const std::string& path) {
+    return path.substr(path.rfind(platform::kPathSeparator) + 1);
   }
   static int CodeOf(const std::map<std::string, int>& failures, const std::string& path) {
     const auto failure = failures.find(path);

@@ -16,9 +16,13 @@ class FakeShell : public platform::Shell {
     return opens;
   }
   std::string ProgramFolder() override { return program_folder; }
+  std::string ProgramName() override { return program_name; }
+  std::string HelpPage() override { return help_page; }
 
   bool opens = true;
   std::string program_folder = "program-folder";
+  std::string program_name = "hitwick";
+  std::string help_page = "help-folder/index.htm";
   std::vector<std::string> asked;
 };
 

@@ -1,0 +1,41 @@
+#include <gtest/gtest.h>
+
+#include "platform/daily_tasks.h"
+#include "platform/mod_systemInfo.h"
+#include "platform/shell.h"
+#include "tests/fakes/temp_dir.h"
+
+namespace platform {
+namespace {
+
+constexpr int kModuleNotFound = 126;
+
+TaskResult AddFrom(const std::string& folder) {
+  return TheDailyTasks().Hitwick_schedule(
+      {"Hitwick-020000", "hitwick.exe", " /BATCH", folder, 2, 0});
+}
+
+TEST(HelperLibraryTest, AMissingOneIsToldInTheSystemsWords) {
+  const fakes::ScopedTempDir dir;
+  const TaskResult result = AddFrom(dir.path());
+  EXPECT_EQ(result.code, kModuleNotFound);
+  EXPECT_EQ(result.reason, "");
+  EXPECT_FALSE(mod_systemInfo::GetErrorText(result.code).empty());
+}
+
+TEST(HelperLibraryTest, ADamagedOneIsNoSuccess) {
+  const fakes::ScopedTempDir dir;
+  fakes::WriteFile(dir / "HitwickHelper.dll", "no library");
+  EXPECT_NE(AddFrom(dir.path()).code, 0);
+}
+
+// The library of this test program: it writes what it is given beside itself.
+TEST(HelperLibraryTest, TakesTheTask) {
+  const std::string folder = TheShell().ProgramFolder() + "\\test_helper";
+  EXPECT_EQ(AddFrom(folder).code, 42);
+  EXPECT_EQ(fakes::ReadFile(folder + "\\scheduled.txt"),
+            "Hitwick-020000|hitwick.exe| /BATCH|" + folder + "|2|0");
+}
+
+}  // namespace
+}  // namespace platform
