@@ -15,12 +15,14 @@ namespace mdlConfigs {
 namespace {
 
 bool all_pages_written = true;
+std::string last_page_written;
 
 // A page being replaced: what was written is put in place even when an error cut it short; the
 // old page stands when the new one cannot be stored in full.
 class PageFile {
  public:
   explicit PageFile(std::string path) : path_(std::move(path)) {
+    last_page_written.clear();
     int error = 0;
     output_ = platform::TheFileSystem().CreateOutput(path_, &error);
     if (!output_) Fail(mod_systemInfo::GetErrorText(error));
@@ -32,6 +34,7 @@ class PageFile {
     int error = output_->Append(page);
     if (error == 0) error = output_->Commit();
     if (error != 0) Fail(mod_systemInfo::GetErrorText(error));
+    if (!failed_) last_page_written = path_;
   }
 
   // The first failure is the one that is reported.
@@ -67,6 +70,7 @@ void ShowMonthsDone(int done, int all) {
 std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t firstMonth,
                        std::int16_t lastMonth, std::int16_t firstYear, std::int16_t lastYear) {
   LogInformation(": Logfiles will be read from " + Run().Settings.LogDir);
+  last_page_written.clear();
   mdlYear::LoadHistory();
   std::int16_t month = firstMonth;
   std::int16_t year = firstYear;
@@ -120,6 +124,8 @@ std::int16_t WriteLast12MonthsPage() {
 }
 
 bool AllPagesWritten() { return all_pages_written; }
+
+const std::string& LastPageWritten() { return last_page_written; }
 
 void ResetPagesWritten() { all_pages_written = true; }
 

@@ -6,6 +6,7 @@
 #define HITWICK_APP_RUN_DRIVER_H_
 
 #include <cstdint>
+#include <string>
 
 namespace mdlConfigs {
 
@@ -26,6 +27,10 @@ std::int16_t WriteLast12MonthsPage();
 // False once a page could not be written, since the start or the last reset.
 bool AllPagesWritten();
 void ResetPagesWritten();
+
+// The path of the page written last, if `RunPeriod` or one of those after it has put it in place
+// in full; empty when that failed, or when nothing has been written since `RunPeriod` began.
+const std::string& LastPageWritten();
 
 }  // namespace mdlConfigs
 

@@ -112,6 +112,14 @@ bool LoadUsageFolder() {
   return true;
 }
 
+void ReadListSizeAndFlags() {
+  ReadListSize();
+  SiteSettings& settings = Run().Settings;
+  settings.UseUTC = ReadFlag("UseUTC");
+  settings.ShowUsernames = ReadFlag("ShowUsernames");
+  settings.GenerateCSV = ReadFlag("GenerateCSV");
+}
+
 bool CheckLogFolderForSaving() {
   const std::string& log_folder = Run().Settings.LogDir;
   if (HasLogFiles(log_folder)) return true;
@@ -170,12 +178,17 @@ std::int16_t LoadSiteSettings(const std::function<void(const std::string& site)>
   unread_settings::Report(run.SiteName);
   if (!LoadLogFormat() || !LoadLogFolder()) return 1;
   const bool usage_folder_found = LoadUsageFolder();
-  ReadListSize();
-  run.Settings.UseUTC = ReadFlag("UseUTC");
-  run.Settings.ShowUsernames = ReadFlag("ShowUsernames");
-  run.Settings.GenerateCSV = ReadFlag("GenerateCSV");
+  ReadListSizeAndFlags();
   load_filters(run.SiteName);
   return usage_folder_found ? 0 : 1;
+}
+
+void ReadSettingsUnchecked() {
+  SiteSettings& settings = Run().Settings;
+  settings.LogFormat = ReadSetting("IISLogFormat", std::string(kW3C));
+  settings.LogDir = ReadSetting("IISLogDir", DefaultLogFolder());
+  settings.UsageDir = ReadSetting("UsageDir", DefaultUsageFolder());
+  ReadListSizeAndFlags();
 }
 
 std::int16_t SaveSiteSettings() {

@@ -72,6 +72,10 @@ std::string DefaultLogFolder();
 // `load_filters` is called with the site's name once the log folder has been found good.
 std::int16_t LoadSiteSettings(const std::function<void(const std::string& site)>& load_filters);
 
+// Reads all seven values into `Run().Settings` without any check, so that a window can show what is
+// stored when `LoadSiteSettings` has stopped half-way.
+void ReadSettingsUnchecked();
+
 // Checks `Run().Settings` and stores all seven values. Returns 0 when saved; 1, with nothing
 // stored, when the log folder holds no logs or the usage folder does not exist.
 std::int16_t SaveSiteSettings();
