@@ -1,7 +1,7 @@
 # The door to the project: every target installs what it needs and says so.
 
 BUILD_PACKAGES = g++ cmake ninja-build
-TEST_PACKAGES = $(BUILD_PACKAGES) libgtest-dev libgmock-dev python3 faketime tzdata \
+TEST_PACKAGES = $(BUILD_PACKAGES) libgtest-dev libgmock-dev python3 faketime tzdata cron \
   locales chromium chromium-driver
 BENCH_PACKAGES = $(BUILD_PACKAGES) libbenchmark-dev python3
 WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix

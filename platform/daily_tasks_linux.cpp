@@ -70,7 +70,8 @@ class Crontab : public DailyTasks {
  public:
   TaskResult Hitwick_schedule(const DailyTask& task) override {
     const std::string line = CrontabLine(task, VariablesInForce());
-    const std::string refusal = CrontabRefusal(CrontabComment(task.name) + line);
+    std::string refusal = CrontabRefusal(CrontabComment(task.name));
+    if (refusal.empty()) refusal = CrontabRefusal(line);
     if (!refusal.empty()) return {EINVAL, refusal};
     std::string crontab;
     const TaskResult read = ReadCrontab(&crontab);
