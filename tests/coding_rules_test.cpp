@@ -125,6 +125,28 @@ TEST(CodingRules, WindowToolkitStaysInUi) {
   }
 }
 
+// What the windows decide is tested without a display, so it is built without the toolkit.
+TEST(CodingRules, DecisionsOfTheWindowsKnowNoToolkit) {
+  const std::regex toolkit("^\\s*#\\s*include\\s*<wx/");
+  const fs::path folder = fs::path(HITWICK_SOURCE_DIR) / "ui";
+  bool listed = false;
+  int checked = 0;
+  for (const std::string& line : ReadLines(folder / "CMakeLists.txt")) {
+    if (line.find("(ui_logic") != std::string::npos) listed = true;
+    if (line.find("LINKS") != std::string::npos || line.find("LIBRARIES") != std::string::npos) {
+      listed = false;
+    }
+    std::smatch name;
+    if (!listed || !std::regex_search(line, name, std::regex("([a-z_]+)\\.cpp"))) continue;
+    for (const char* extension : {".cpp", ".h"}) {
+      const auto lines = ReadLines(folder / (name[1].str() + extension));
+      EXPECT_EQ(FirstMatch(lines, toolkit), "") << name[1] << extension;
+      checked += lines.empty() ? 0 : 1;
+    }
+  }
+  EXPECT_GE(checked, 16);
+}
+
 // CMake's LINKS of a folder and the arrows above say the same.
 TEST(CodingRules, CMakeLinksFollowTheArrows) {
   for (const auto& [folder, arrows] : kArrows) {

@@ -130,15 +130,12 @@ class Configuration {
   void HookRun();
   void EnableAll(std::initializer_list<ConfigControl> controls, bool enabled);
   bool Save();
-  bool CatchUp();
 
   ConfigurationView& view_;
   std::string frame_caption_;
   FolderList log_folders_;
   FolderList usage_folders_;
   bool running_ = false;
-  int months_ = 0;
-  int months_done_ = 0;
 };
 
 }  // namespace ui
