@@ -32,24 +32,39 @@ bool windows_started = false;
 
 void WriteToStandardError(std::string_view text) { std::cerr << text << '\n' << std::flush; }
 
-// Starts the windows if they are not yet there. False when none can be shown; standard error then
-// says why, followed by `consequence`.
-bool StartWindows(std::string_view consequence) {
-  if (windows_started) return true;
-  std::string why_not;
-  windows_started = platform::TheWindowSystem().Start(&why_not);
-  if (!windows_started) WriteToStandardError("Hitwick: " + why_not + std::string(consequence));
+// Starts the windows if they are not yet there. False with the reason when none can be shown.
+bool StartWindows(std::string* why_not) {
+  if (!windows_started) windows_started = platform::TheWindowSystem().Start(why_not);
   return windows_started;
 }
 
+// The same; standard error says why not, followed by `consequence`.
+bool StartWindowsOrTell(std::string_view consequence) {
+  std::string why_not;
+  if (StartWindows(&why_not)) return true;
+  WriteToStandardError("Hitwick: " + why_not + std::string(consequence));
+  return false;
+}
+
 void SelectSite() {
-  if (!StartWindows(", so the site selection cannot be shown")) return;
+  if (!StartWindowsOrTell(", so the site selection cannot be shown")) return;
   platform::TheWindowSystem().SelectSite();
+}
+
+bool IsInteractive() { return !Run().BatchMode && !Run().CatchUpMode && !start_window_unloaded; }
+
+// In a window when more of them will follow.
+void ShowVersion() {
+  std::string why_not;
+  if (IsInteractive()) StartWindows(&why_not);
+  mdlConfigs::TellUser("Hitwick version " + program::Version());
 }
 
 // The interactive run: the program lives on in the configuration window until it is closed.
 int InteractiveRun() {
-  if (!StartWindows("; use /BATCH or /C with /SITE=NAME (see --help)")) return kExitNotStarted;
+  if (!StartWindowsOrTell("; use /BATCH or /C with /SITE=NAME (see --help)")) {
+    return kExitNotStarted;
+  }
   platform::TheWindowSystem().ShowConfiguration();
   platform::TheWindowSystem().RunUntilClosed();
   return mdlConfigs::AllPagesWritten() ? kExitDone : kExitFailed;
@@ -158,7 +173,7 @@ void ParseCommandLine(std::string_view command_line) {
     }
   }
   if (!token.empty()) ApplySwitch(token);
-  if (version_wanted) mdlConfigs::TellUser("Hitwick version " + program::Version());
+  if (version_wanted) ShowVersion();
 }
 
 bool CatchUp() {

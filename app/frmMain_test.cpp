@@ -354,6 +354,24 @@ TEST_F(StartUp, SelectedSiteIsTheOneOfABatchRun) {
   EXPECT_EQ(log_.CountWith("operating on site 'web1'"), 1);
 }
 
+TEST_F(StartUp, VersionOfAnInteractiveRunIsShownInAWindow) {
+  Form_Load("/V /SITE=web1");
+  EXPECT_EQ(windows_.calls, (List{"Start", "ShowConfiguration", "RunUntilClosed", "Stop"}));
+  EXPECT_EQ(boxes_.shown.size(), 1U);
+}
+
+TEST_F(StartUp, VersionOfACatchUpRunStartsNoWindows) {
+  Form_Load("/V /C /SITE=web1");
+  EXPECT_TRUE(windows_.calls.empty());
+  EXPECT_EQ(boxes_.shown.size(), 1U);
+}
+
+TEST_F(StartUp, VersionNeedsNoDisplay) {
+  windows_.can_start = false;
+  EXPECT_EQ(Form_Load("/V"), frmMain::kExitNotStarted);
+  EXPECT_EQ(boxes_.shown.size(), 1U);
+}
+
 TEST_F(StartUp, SelectionThatCannotBeShownIsTold) {
   windows_.can_start = false;
   testing::internal::CaptureStderr();
