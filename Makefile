@@ -1,11 +1,14 @@
 # The door to the project: every target installs what it needs and says so.
 
-BUILD_PACKAGES = g++ cmake ninja-build
-TEST_PACKAGES = $(BUILD_PACKAGES) libgtest-dev libgmock-dev python3 faketime tzdata cron \
-  locales chromium chromium-driver
-BENCH_PACKAGES = $(BUILD_PACKAGES) libbenchmark-dev python3
+# Without windows nothing but the standard library is needed.
+SERVER_PACKAGES = g++ cmake ninja-build
+BUILD_PACKAGES = $(SERVER_PACKAGES) libwxgtk3.2-dev libgtk-3-dev pkg-config
+SERVER_TEST_PACKAGES = $(SERVER_PACKAGES) libgtest-dev libgmock-dev python3 faketime tzdata \
+  cron locales chromium chromium-driver
+TEST_PACKAGES = $(BUILD_PACKAGES) $(SERVER_TEST_PACKAGES) xvfb xauth openbox
+BENCH_PACKAGES = $(SERVER_PACKAGES) libbenchmark-dev python3
 WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix
-WINE_PACKAGES = $(WINDOWS_PACKAGES) $(TEST_PACKAGES) googletest wine wine64
+WINE_PACKAGES = $(WINDOWS_PACKAGES) $(SERVER_TEST_PACKAGES) googletest wine wine64
 FORMAT_PACKAGES = clang-format git
 TIDY_PACKAGES = $(TEST_PACKAGES) clang-tidy git
 
@@ -14,21 +17,33 @@ CONFIGURE =
 
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
-.PHONY: build demo test test-asan bench windows test-windows format check-format tidy clean
+.PHONY: build server demo test test-server test-asan bench windows test-windows format check-format tidy clean
 
 build:
 	tools/need.sh $(BUILD_PACKAGES)
 	cmake --preset release -DHITWICK_TESTS=OFF -DHITWICK_BENCH=OFF $(CONFIGURE)
 	cmake --build --preset release
 
-demo: build
-	tools/demo.sh build/release
+# The program without its windows, for machines without a toolkit.
+server:
+	tools/need.sh $(SERVER_PACKAGES)
+	cmake --preset server -DHITWICK_TESTS=OFF -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset server
+
+demo: server
+	tools/demo.sh build/server
 
 test:
 	tools/need.sh $(TEST_PACKAGES)
 	cmake --preset release -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
 	cmake --build --preset release
 	ctest --preset release
+
+test-server:
+	tools/need.sh $(SERVER_TEST_PACKAGES)
+	cmake --preset server -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset server
+	ctest --preset server
 
 test-asan:
 	tools/need.sh $(TEST_PACKAGES)
@@ -38,9 +53,9 @@ test-asan:
 
 bench:
 	tools/need.sh $(BENCH_PACKAGES)
-	cmake --preset release -DHITWICK_TESTS=OFF -DHITWICK_BENCH=ON $(CONFIGURE)
-	cmake --build --preset release
-	bench/run.sh build/release
+	cmake --preset server -DHITWICK_TESTS=OFF -DHITWICK_BENCH=ON $(CONFIGURE)
+	cmake --build --preset server
+	bench/run.sh build/server
 
 windows:
 	tools/need.sh $(WINDOWS_PACKAGES)
@@ -49,11 +64,11 @@ windows:
 
 test-windows:
 	tools/need.sh $(WINE_PACKAGES)
-	cmake --preset release -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
-	cmake --build --preset release --target hitwick sample_logs
+	cmake --preset server -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset server --target hitwick sample_logs
 	cmake --preset windows-mingw -DHITWICK_TESTS=ON $(CONFIGURE)
 	cmake --build --preset windows-mingw
-	tests/windows/run.sh build/windows-mingw build/release
+	tests/windows/run.sh build/windows-mingw build/server
 
 format:
 	tools/need.sh $(FORMAT_PACKAGES)

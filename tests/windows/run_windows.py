@@ -5,8 +5,8 @@ Settings go into the registry, runs are started as the daily task starts them, a
 is compared with the golden cases and, for thirteen months of sample logs, with the pages of the
 Linux program for the same logs, settings, date and zone.
 
-    run_windows.py --windows build/windows-mingw/hitwick.exe --linux build/release/hitwick \\
-                   --sample-logs build/release/sample_logs [--prefix FOLDER] [unittest options]
+    run_windows.py --windows build/windows-mingw/hitwick.exe --linux build/server/hitwick \\
+                   --sample-logs build/server/sample_logs [--prefix FOLDER] [unittest options]
 """
 
 import argparse

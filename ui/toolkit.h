@@ -1,0 +1,18 @@
+// Small things that differ between the toolkits. One file per toolkit, chosen by CMake.
+#ifndef HITWICK_UI_TOOLKIT_H_
+#define HITWICK_UI_TOOLKIT_H_
+
+#include <wx/event.h>
+
+namespace ui {
+
+// Comes before the toolkit is initialised.
+void PrepareToolkit();
+
+// True for a key that asks for the menu of the control with the keyboard, where the toolkit does
+// not make a wxContextMenuEvent of it by itself.
+bool IsMenuKey(const wxKeyEvent& event);
+
+}  // namespace ui
+
+#endif  // HITWICK_UI_TOOLKIT_H_
