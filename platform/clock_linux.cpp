@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "platform/service.h"
+#include "platform/standard_time_linux.h"
 
 namespace platform {
 namespace {
@@ -16,28 +17,6 @@ std::tm LocalTime(std::time_t time) {
   std::tm local{};
   localtime_r(&time, &local);
   return local;
-}
-
-constexpr std::time_t kSecondsPerDay = 24 * 60 * 60;
-constexpr int kDaysOfYear = 366;
-
-// True when daylight saving is in force now or at some time within the next year.
-bool ObservesDaylightSaving(std::time_t now) {
-  for (int day = 0; day <= kDaysOfYear; ++day) {
-    if (LocalTime(now + day * kSecondsPerDay).tm_isdst > 0) return true;
-  }
-  return false;
-}
-
-// The smallest offset from UTC, in seconds, within a year of `now`. That is winter's, also where
-// the zone database counts winter as the exception (Europe/Dublin).
-long SmallestOffset(std::time_t now) {
-  long smallest = LocalTime(now).tm_gmtoff;
-  for (int day = -kDaysOfYear; day <= kDaysOfYear; ++day) {
-    const long offset = LocalTime(now + day * kSecondsPerDay).tm_gmtoff;
-    if (offset < smallest) smallest = offset;
-  }
-  return smallest;
 }
 
 class SystemClock : public Clock {
@@ -56,10 +35,7 @@ class SystemClock : public Clock {
 
   std::int16_t ZoneBiasMinutes() override {
     tzset();
-    const std::time_t now = std::time(nullptr);
-    const long offset =
-        ObservesDaylightSaving(now) ? SmallestOffset(now) : LocalTime(now).tm_gmtoff;
-    return static_cast<std::int16_t>(-offset / 60);
+    return static_cast<std::int16_t>(-StandardOffset(std::time(nullptr)) / 60);
   }
 };
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/clock.h"
+#include "platform/standard_time_linux.h"
 
 namespace platform {
 namespace {
@@ -53,6 +54,23 @@ TEST_F(LinuxClockTest, WinterTimeCountedAsTheExceptionIsStillTheStandard) {
   EXPECT_EQ(BiasOf("IST-1GMT0,M10.5.0,M3.5.0/1"), 0);
   if (!HasZones()) GTEST_SKIP() << "no zone database";
   EXPECT_EQ(BiasOfNamedZone("Europe/Dublin"), 0);
+}
+
+// All zones of the database are compared in zones_test.py.
+TEST_F(LinuxClockTest, SavingTimeOfYearsIsTakenAsItIs) {
+  if (!HasZones()) GTEST_SKIP() << "no zone database";
+  SetZone("Europe/Berlin");
+  constexpr std::time_t kAugust1941 = -896832000;
+  EXPECT_EQ(StandardOffset(kAugust1941), 2 * 60 * 60);
+}
+
+TEST_F(LinuxClockTest, NearestTimeThatIsNotFlaggedIsTheStandard) {
+  if (!HasZones()) GTEST_SKIP() << "no zone database";
+  SetZone("Pacific/Apia");
+  constexpr std::time_t kDay = 24 * 60 * 60;
+  constexpr std::time_t kOctober2011 = 1317427200;
+  EXPECT_EQ(StandardOffset(kOctober2011), -11 * 60 * 60);
+  EXPECT_EQ(StandardOffset(kOctober2011 + 105 * kDay), 13 * 60 * 60);  // after the date line
 }
 
 TEST_F(LinuxClockTest, NamedZones) {

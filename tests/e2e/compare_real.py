@@ -13,13 +13,13 @@ import os
 import socket
 import sys
 import time
-import zoneinfo
 
 import recount
 from oracle.months import ENGLISH_SHORT
 from oracle.run import Run
 from run_cases import compare_events, compare_files, filled_in, version_of
 from sandbox import Sandbox, host_name
+from zones import offsets
 
 COMMANDS = {"batch": "/BATCH /SITE=real", "catchup": "/C /SITE=real"}
 
@@ -32,14 +32,6 @@ class Resolver(dict):
             return socket.gethostbyaddr(address)[0]
         except OSError:
             return default
-
-
-def offsets(zone, moment):
-    """Standard bias and wall-clock offset of a zone, both in minutes."""
-    local = moment.astimezone(zoneinfo.ZoneInfo(zone))
-    wall = local.utcoffset()
-    standard = wall - (local.dst() or datetime.timedelta())
-    return -int(standard.total_seconds() // 60), int(wall.total_seconds() // 60)
 
 
 def compare_run(program, logs, moment, zone, mode, settings):

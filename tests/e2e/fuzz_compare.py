@@ -13,13 +13,14 @@ import random
 import sys
 
 import locales
-from compare_real import offsets
 from oracle.run import Run
 from run_cases import compare_events, compare_files, filled_in, version_of
 from sandbox import SITE_VALUES, Sandbox, host_name
+from zones import offsets
 
-ZONES = ["UTC", "Europe/Berlin", "America/New_York", "Asia/Kolkata", "Pacific/Marquesas",
-         "America/St_Johns", "Pacific/Kiritimati", "Pacific/Pago_Pago"]
+ZONES = ["UTC", "Europe/Berlin", "Europe/Dublin", "Africa/Casablanca", "America/New_York",
+         "Asia/Kolkata", "Pacific/Marquesas", "America/St_Johns", "Pacific/Kiritimati",
+         "Pacific/Pago_Pago"]
 LOCALES = [None, None, *((name, "UTF-8") for name in locales.REAL), ("fr_FR", "ISO-8859-1")]
 FIELDS = ["date", "time", "c-ip", "cs-username", "cs-method", "cs-uri-stem", "cs-uri-query",
           "sc-status", "sc-bytes", "cs-bytes", "time-taken", "cs-host", "cs(User-Agent)",
