@@ -16,6 +16,7 @@ using platform::kStoreMoreData;
 using platform::kStoreNoMoreItems;
 using platform::kStoreNotFound;
 using platform::kStoreSuccess;
+using platform::kStoreUnsupportedType;
 using platform::TheSettingsStore;
 
 constexpr std::size_t kFirstDataCapacity = 1020;
@@ -105,7 +106,7 @@ std::int32_t DeleteValues(Key key, const std::string& site, std::uint32_t count)
     std::string data;
     std::int32_t result =
         TheSettingsStore().EnumValue(key, index, kDeletionDataCapacity, &name, &data);
-    if (result != kStoreSuccess) {
+    if (result != kStoreSuccess && result != kStoreUnsupportedType) {
       ReportValueFailure(
           "Unable to query value of site '" + site + "' value #" + std::to_string(index), result);
       last_error = result;
@@ -143,6 +144,11 @@ std::string WithoutControlBytes(const std::string& data) {
   return text;
 }
 
+void ReportNoText(std::string_view name) {
+  mdlConfigs::LogWarning(": Value '" + std::string(name) +
+                         "' in the registry is neither a text nor a number, and counts as missing");
+}
+
 struct KeyInfo {
   std::uint32_t subkeys = 0;
   std::uint32_t values = 0;
@@ -155,13 +161,14 @@ KeyInfo InfoOf(Key key) {
   return info;
 }
 
-// The text of a value of an open key, its name compared as the store does.
-std::optional<std::string> FindSetting(Key key, std::string_view name) {
+// The text of a value of an open key, its name compared as the store does. `path` is the key's.
+std::optional<std::string> FindSetting(Key key, const std::string& path, std::string_view name) {
   for (std::uint32_t index = 0, count = InfoOf(key).values; index < count; ++index) {
     Value value;
-    if (EnumWholeValue(key, index, &value) != kStoreSuccess) continue;
-    if (text::EqualsIgnoringCase(value.name, name))
-      return value.data.substr(0, value.data.find('\0'));
+    const std::int32_t result = EnumWholeValue(key, index, &value);
+    if (!text::EqualsIgnoringCase(value.name, name)) continue;
+    if (result == kStoreUnsupportedType) ReportNoText(KeyPath(path, name));
+    if (result == kStoreSuccess) return value.data.substr(0, value.data.find('\0'));
   }
   return std::nullopt;
 }
@@ -211,7 +218,9 @@ std::string GetStringValue(Key key, std::string_view name, const std::string& fa
     Value value;
     const std::int32_t result = EnumWholeValue(key, index, &value);
     if (result == kStoreNoMoreItems) break;
-    if (result == kStoreSuccess && value.name == name) return WithoutControlBytes(value.data);
+    if (value.name != name) continue;
+    if (result == kStoreUnsupportedType) ReportNoText(name);
+    if (result == kStoreSuccess) return WithoutControlBytes(value.data);
   }
   return fallback;
 }
@@ -287,7 +296,7 @@ std::string ReadSetting(const std::string& site, std::string_view name,
   const OpenedKey opened = Open(path);
   if (Failed(opened.result())) ReportUnreadable(path, opened.result());
   if (!opened) return fallback;
-  return FindSetting(opened.key(), name).value_or(fallback);
+  return FindSetting(opened.key(), path, name).value_or(fallback);
 }
 
 std::int32_t SaveSetting(const std::string& site, const std::string& name, std::string_view value) {

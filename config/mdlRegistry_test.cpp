@@ -161,6 +161,14 @@ TEST_F(GetStringValueTest, AValueThatCannotBeReadIsPassedOver) {
   EXPECT_EQ(Read("pattern"), "x");
 }
 
+TEST_F(GetStringValueTest, AValueThatIsNoTextIsToldAndCountsAsMissing) {
+  store_.PutNoText("web1", "pattern");
+  const mdlRegistry::OpenedKey key = mdlRegistry::OpenKey(kBranch, "web1");
+  EXPECT_EQ(mdlRegistry::GetStringValue(key.key(), "pattern", "none"), "none");
+  EXPECT_EQ(Entries(), List{"Hitwick: Value 'pattern' in the registry is neither a text nor a "
+                            "number, and counts as missing"});
+}
+
 TEST_F(GetStringValueTest, NoMoreItemsEndsTheSearchAtOnce) {
   store_.Put("web1", "field", "c-ip");
   store_.Put("web1", "pattern", "x");
@@ -224,6 +232,13 @@ TEST_F(DeleteSiteValuesTest, AValueThatCannotBeQueriedIsPassedOver) {
   EXPECT_FALSE(store_.Get("web1", "a"));
   EXPECT_FALSE(store_.Get("web1", "b"));
   EXPECT_TRUE(store_.Get("web1", "long"));
+}
+
+TEST_F(DeleteSiteValuesTest, AValueThatIsNoTextIsDeletedToo) {
+  store_.PutNoText("web1", "x");
+  EXPECT_EQ(mdlRegistry::DeleteSiteValues(kBranch, "web1"), 0);
+  EXPECT_FALSE(store_.Get("web1", "x"));
+  ExpectNothingTold();
 }
 
 TEST_F(DeleteSiteValuesTest, AValueOf999BytesStillFits) {
@@ -392,6 +407,18 @@ TEST_F(SettingTest, AValueThatCannotBeReadIsPassedOver) {
   store_.Put("web1", "b", "2");
   store_.Fail({Operation::kEnumValue, 5, "", 0, 1});
   EXPECT_EQ(mdlRegistry::ReadSetting("web1", "b", "none"), "2");
+}
+
+TEST_F(SettingTest, AValueThatIsNoTextIsToldAndCountsAsMissing) {
+  store_.PutNoText("web1", "MaxListSize");
+  store_.Put("web1", "UseUTC", "True");
+  EXPECT_EQ(mdlRegistry::ReadSetting("web1", "MaxListSize", "100"), "100");
+  const List told = {"Hitwick: Value '" + kBranch +
+                     "\\web1\\MaxListSize' in the registry is neither a text nor a number, and "
+                     "counts as missing"};
+  EXPECT_EQ(Entries(), told);
+  EXPECT_EQ(mdlRegistry::ReadSetting("web1", "UseUTC", "False"), "True");
+  EXPECT_EQ(Entries(), told);
 }
 
 TEST_F(SettingTest, SavingCreatesTheSection) {

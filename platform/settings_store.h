@@ -6,10 +6,10 @@
 //
 // Key and value names compare without regard to case (A to Z) and keep the spelling and the order
 // in which they were first written. Results are the registry's error codes, of which these matter
-// to callers: 0 success, 2 not found, 5 access denied, 234 more data, 259 no more items. A name
-// that the store cannot hold gives 87. On Linux that is, for any name, an empty one or one with a
-// line break or a zero byte; for a value name also one that holds a "=", begins with "[", ";" or
-// "#" or has a blank at its ends.
+// to callers: 0 success, 2 not found, 5 access denied, 234 more data, 259 no more items, 1630 not a
+// text. A name that the store cannot hold gives 87. On Linux that is, for any name, an empty one or
+// one with a line break or a zero byte; for a value name also one that holds a "=", begins with
+// "[", ";" or "#" or has a blank at its ends.
 #ifndef HITWICK_PLATFORM_SETTINGS_STORE_H_
 #define HITWICK_PLATFORM_SETTINGS_STORE_H_
 
@@ -31,6 +31,7 @@ inline constexpr std::int32_t kStoreAccessDenied = 5;
 inline constexpr std::int32_t kStoreInvalidParameter = 87;
 inline constexpr std::int32_t kStoreMoreData = 234;
 inline constexpr std::int32_t kStoreNoMoreItems = 259;
+inline constexpr std::int32_t kStoreUnsupportedType = 1630;
 
 class SettingsStore {
  public:
@@ -53,6 +54,9 @@ class SettingsStore {
   // Value number `index` (0-based); kStoreNoMoreItems past the last one. A name longer than 254
   // characters, or data (terminating zero included) longer than `data_capacity` bytes, gives
   // kStoreMoreData. `data` receives the text with its terminating zero, as it is stored.
+  // The registry also holds values that were never text: one with variables of the environment
+  // (REG_EXPAND_SZ) is read with their values in place, a number (REG_DWORD) as its decimal
+  // digits; any other gives kStoreUnsupportedType, and `name` all the same.
   virtual Result EnumValue(Key key, std::uint32_t index, std::size_t data_capacity,
                            std::string* name, std::string* data) = 0;
 
@@ -60,7 +64,9 @@ class SettingsStore {
   // Empty for a missing value, and in a store without lines (Windows).
   virtual std::string PlaceOfValue(Key key, const std::string& name) = 0;
 
-  // Writes a text value. `text` may hold any byte but zero.
+  // Writes a text value. `text` may hold any byte but zero. A value of the registry that already
+  // reads as `text` stays what it is, so that writing back does not put text in the place of
+  // variables.
   virtual Result SetValue(Key key, const std::string& name, std::string_view text) = 0;
   virtual Result DeleteValue(Key key, const std::string& name) = 0;
   // Deletes the subkey `name` of an open key, its values included; kStoreAccessDenied while it

@@ -1,10 +1,14 @@
 // The settings store on Windows: the registry itself. Each operation is one registry function, so
-// that results, ordering and the treatment of letter case are the registry's own.
+// that results, ordering and the treatment of letter case are the registry's own. Only values that
+// are no text are looked at here.
 #include "platform/settings_store.h"
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
+#include <string>
 
 #include "platform/service.h"
 
@@ -15,8 +19,55 @@ namespace {
 constexpr std::size_t kValueNameCapacity = 255;
 // The registry allows 255 characters; the active code page may take three bytes for each.
 constexpr std::size_t kKeyNameCapacity = 3 * 255 + 1;
+// Longer than any path with variables in it.
+constexpr std::size_t kLongestKept = 65536;
 
 HKEY Handle(SettingsStore::Key key) { return reinterpret_cast<HKEY>(key); }
+
+// Puts the values of the environment's variables in the place of their names.
+std::string Expanded(const std::string& text) {
+  // The form for single bytes asks for more room than it says.
+  std::string expanded(2 + ExpandEnvironmentStringsA(text.c_str(), nullptr, 0), '\0');
+  ExpandEnvironmentStringsA(text.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
+  return expanded.c_str();
+}
+
+std::string Digits(const std::string& data) {
+  DWORD number = 0;
+  std::memcpy(&number, data.data(), std::min(data.size(), sizeof number));
+  return std::to_string(number);
+}
+
+// Turns the data of a value into a text with its terminating zero.
+SettingsStore::Result ToText(DWORD type, std::string* data) {
+  switch (type) {
+    case REG_SZ:
+      return kStoreSuccess;
+    case REG_EXPAND_SZ:
+      *data = Expanded(*data) + '\0';
+      return kStoreSuccess;
+    case REG_DWORD:
+      *data = Digits(*data) + '\0';
+      return kStoreSuccess;
+    default:
+      data->clear();
+      return kStoreUnsupportedType;
+  }
+}
+
+// True when a value is there that is read as `text` though it is stored as something else.
+bool ReadsAs(HKEY key, const std::string& name, const std::string& text) {
+  DWORD type = REG_NONE;
+  std::string data(kLongestKept, '\0');
+  DWORD length = static_cast<DWORD>(data.size());
+  if (RegQueryValueExA(key, name.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(data.data()),
+                       &length) != kStoreSuccess ||
+      type == REG_SZ) {
+    return false;
+  }
+  data.resize(length);
+  return ToText(type, &data) == kStoreSuccess && data.c_str() == text;
+}
 
 class Registry : public SettingsStore {
  public:
@@ -67,19 +118,21 @@ class Registry : public SettingsStore {
     DWORD name_length = static_cast<DWORD>(name_buffer.size());
     data->assign(data_capacity, '\0');
     DWORD data_length = static_cast<DWORD>(data_capacity);
+    DWORD type = REG_NONE;
     const Result result =
-        RegEnumValueA(Handle(key), index, name_buffer.data(), &name_length, nullptr, nullptr,
+        RegEnumValueA(Handle(key), index, name_buffer.data(), &name_length, nullptr, &type,
                       reinterpret_cast<BYTE*>(data->data()), &data_length);
     const bool read = result == kStoreSuccess;
     name->assign(name_buffer.data(), read ? name_length : 0);
     data->resize(read ? data_length : 0);
-    return result;
+    return read ? ToText(type, data) : result;
   }
 
   std::string PlaceOfValue(Key, const std::string&) override { return {}; }
 
   Result SetValue(Key key, const std::string& name, std::string_view text) override {
     const std::string terminated(text);
+    if (ReadsAs(Handle(key), name, terminated)) return kStoreSuccess;
     return RegSetValueExA(Handle(key), name.c_str(), 0, REG_SZ,
                           reinterpret_cast<const BYTE*>(terminated.c_str()),
                           static_cast<DWORD>(terminated.size() + 1));

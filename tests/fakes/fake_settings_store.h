@@ -3,6 +3,7 @@
 #ifndef HITWICK_TESTS_FAKES_FAKE_SETTINGS_STORE_H_
 #define HITWICK_TESTS_FAKES_FAKE_SETTINGS_STORE_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -46,6 +47,12 @@ class FakeSettingsStore : public platform::SettingsStore {
   // Writes a value below kSettingsBranch + "\" + `section`, creating what is missing.
   void Put(const std::string& section, const std::string& name, const std::string& text) {
     SetIn(Create(BranchPath(section)), name, text);
+  }
+  // The same with a value that is no text.
+  void PutNoText(const std::string& section, const std::string& name) {
+    Node* node = Create(BranchPath(section));
+    SetIn(node, name, "");
+    node->no_texts.push_back(name);
   }
   void PutKey(const std::string& section) { Create(BranchPath(section)); }
   // A value below the branch; nothing when it is missing.
@@ -112,6 +119,10 @@ class FakeSettingsStore : public platform::SettingsStore {
       return platform::kStoreMoreData;
     }
     *name = value_name;
+    if (std::count(node->no_texts.begin(), node->no_texts.end(), value_name) != 0) {
+      data->clear();
+      return platform::kStoreUnsupportedType;
+    }
     *data = text + '\0';
     return platform::kStoreSuccess;
   }
@@ -167,6 +178,7 @@ class FakeSettingsStore : public platform::SettingsStore {
   struct Node {
     std::string name;
     std::vector<std::pair<std::string, std::string>> values;
+    std::vector<std::string> no_texts;  // names of values that are no text
     std::vector<std::unique_ptr<Node>> subkeys;
   };
 
@@ -207,6 +219,7 @@ class FakeSettingsStore : public platform::SettingsStore {
     for (auto& value : node->values) {
       if (platform::SameName(value.first, name)) {
         value.second = text;
+        std::erase(node->no_texts, value.first);
         return;
       }
     }

@@ -138,6 +138,25 @@ class Settings(WindowsTest):
         self.assertEqual(totals, b'"Total Hits",0.125,1')
         self.assertIn(b"NoPosts: exclude where cs-method like POST", (usage / "Jan.htm").read_bytes())
 
+    def test_values_that_are_no_text_are_understood_or_warned_of(self):
+        logs, usage = self.make_folder("logs"), self.make_folder("usage")
+        (logs / "u_ex160106.log").write_bytes(b"#Fields: date time c-ip cs-uri-stem sc-status\r\n"
+                                              b"2016-01-06 10:00:00 192.0.2.1 /a.htm 200\r\n"
+                                              b"2016-01-06 10:00:00 192.0.2.1 /b.htm 200\r\n")
+        wine.add_value(self.site, "IISLogDir", windows_path(logs), "REG_EXPAND_SZ")
+        wine.add_value(self.site, "UsageDir", windows_path(usage), "REG_EXPAND_SZ")
+        wine.add_value(self.site, "MaxListSize", "1", "REG_DWORD")
+        wine.add_value(self.site, "GenerateCSV", "54", "REG_BINARY")
+        code, _, trace = hitwick("/BATCH", "/SITE=" + self.site, epoch=1452254400,
+                                 debug="+eventlog")
+        self.assertEqual(code, 0)
+        self.assertRegex(trace, r"warn:eventlog:ReportEventW L\"Hitwick: Value '.*GenerateCSV' in "
+                                "the registry is neither a text nor a number")
+        page = (usage / "Jan.htm").read_bytes()
+        self.assertIn(b"/a.htm", page)
+        self.assertNotIn(b"/b.htm", page.split(b"name=urls>")[1].split(b"</table>")[0])
+        self.assertEqual(wine.stored(self.site)["IISLogDir"][0], "REG_EXPAND_SZ")
+
     def test_a_folder_without_logs_ends_the_run(self):
         logs, usage = self.make_folder("logs"), self.make_folder("usage")
         self.store_site(logs, usage)

@@ -80,9 +80,10 @@ class Wine:
         rows = re.findall(r"^ {4}(\S.*?) {4}(REG_\w+) {4}(.*?)\r?$", output, re.MULTILINE)
         return {name: (kind, text) for name, kind, text in rows}
 
-    def add_value(self, key, name, text):
+    def add_value(self, key, name, text, kind="REG_SZ"):
         """Writes one value as an administrator does at a prompt."""
-        code, _, errors = self("reg", "add", f"{BRANCH}\\{key}", "/v", name, "/d", text, "/f")
+        code, _, errors = self("reg", "add", f"{BRANCH}\\{key}", "/v", name, "/t", kind, "/d", text,
+                               "/f")
         if code != 0:
             raise RuntimeError("reg add failed: " + errors)
 
