@@ -10,6 +10,7 @@
 #include "report/mdlGenHTML.h"
 #include "report/mdlYear.h"
 #include "report/page_names.h"
+#include "stats/mdlDNS.h"
 
 namespace mdlConfigs {
 namespace {
@@ -71,6 +72,7 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
                        std::int16_t lastMonth, std::int16_t firstYear, std::int16_t lastYear) {
   LogInformation(": Logfiles will be read from " + Run().Settings.LogDir);
   last_page_written.clear();
+  mdlDNS::BeginRun();
   mdlYear::LoadHistory();
   std::int16_t month = firstMonth;
   std::int16_t year = firstYear;

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "platform/service.h"
 #include "tests/fakes/fake_host_names.h"
@@ -15,6 +19,7 @@ namespace {
 class HostNamesTest : public testing::TestWithParam<bool> {
  protected:
   HostNamesTest() {
+    fake_.names["127.0.0.1"] = "localhost";
     if (GetParam()) replacement_ = std::make_unique<Replacement<HostNames>>(fake_);
   }
 
@@ -28,17 +33,58 @@ TEST_P(HostNamesTest, StartsAndStops) {
   TheHostNames().Stop();
 }
 
-TEST_P(HostNamesTest, WhatIsNoAddressHasNoName) {
+TEST_P(HostNamesTest, WhatIsNoAddressIsNotAskedFor) {
   ASSERT_TRUE(TheHostNames().Start());
   for (const std::string& address :
        {std::string("-"), std::string(), std::string("not an address"), std::string("1.2.3.4.5"),
-        std::string("300.1.1.1"), std::string("127.0.0.1\0x", 11)}) {
+        std::string("300.1.1.1"), std::string("09.1.1.1"), std::string("1.65536.1"),
+        std::string("4294967296"), std::string("255.255.255.255"), std::string("12:34"),
+        std::string("127.0.0.1\0x", 11)}) {
     std::string name = "untouched";
     std::string error;
-    EXPECT_EQ(TheHostNames().NameOf(address, &name, &error), LookupResult::kNoName) << address;
+    EXPECT_EQ(TheHostNames().NameOf(address, &name, &error), LookupResult::kNotAddress) << address;
     EXPECT_EQ(name, "untouched");
   }
   TheHostNames().Stop();
+}
+
+// The result and the name that a spelling of an address leads to.
+std::string Outcome(const std::string& address) {
+  std::string name;
+  std::string error;
+  const LookupResult result = TheHostNames().NameOf(address, &name, &error);
+  return std::to_string(static_cast<int>(result)) + " " + name;
+}
+
+// 127.0.0.1 has a name on most machines, and all spellings have the same outcome on any.
+TEST_P(HostNamesTest, VersionFourAddressMayBeSpeltAsInetAddrTakesIt) {
+  ASSERT_TRUE(TheHostNames().Start());
+  const std::string outcome = Outcome("127.0.0.1");
+  EXPECT_NE(outcome, Outcome("-"));
+  for (const char* spelling :
+       {"127.1", "0177.0.0.1", "0x7f.0.1", "2130706433", "127.000.000.001"}) {
+    EXPECT_EQ(Outcome(spelling), outcome) << spelling;
+  }
+  TheHostNames().Stop();
+}
+
+TEST_P(HostNamesTest, LookupsMayRunAtTheSameTime) {
+  const std::string outcome = Outcome("127.0.0.1");
+  std::vector<std::thread> threads;
+  std::atomic<int> same = 0;
+  HostNames& resolver = TheHostNames();
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([&] {
+      std::string name;
+      std::string error;
+      if (!resolver.Start()) return;
+      const LookupResult result = resolver.NameOf("127.0.0.1", &name, &error);
+      same += std::to_string(static_cast<int>(result)) + " " + name == outcome;
+      resolver.Stop();
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(same, 8);
 }
 
 TEST_P(HostNamesTest, LocalNameStandsInABufferFilledUpWithZeros) {

@@ -2,7 +2,8 @@
 //
 // Each service is an abstract class with one accessor (`TheClock()`, `TheEventLog()`, ...). The
 // program uses the real implementation; a test puts a fake in its place for its own duration with
-// a `Replacement`. Nothing here is thread-safe: the program has one thread.
+// a `Replacement`. Nothing here is thread-safe: only the thread of the program itself reaches
+// a service through its accessor.
 #ifndef HITWICK_PLATFORM_SERVICE_H_
 #define HITWICK_PLATFORM_SERVICE_H_
 

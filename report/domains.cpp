@@ -44,13 +44,14 @@ std::string_view CompanyOf(std::string_view host, std::size_t dot) {
   return start == 0 ? std::string_view() : After(host, start);
 }
 
-// A name and its share of the month's hits, on the page and in the CSV file.
+// One of the two lists of the table.
 struct Side {
   explicit Side(stats::TallyTable& ranked) : table(ranked) { mdlMonth::SortTallyByMetric(table); }
   stats::TallyTable& table;
   std::int32_t rows = 0;
 };
 
+// A name and its share of the month's hits for each side, on the page and in the CSV file.
 void WriteRow(MonthPage& month, Side& countries, Side& companies, std::int32_t rank,
               csv::Table& file) {
   const std::string number = std::to_string(rank);

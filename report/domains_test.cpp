@@ -137,9 +137,19 @@ TEST_F(Domains, OnlyListedAddressesAreLookedUpAndCounted) {
   AddReaders({"a.one.org", "b.two.com", "c.three.com"});  // 3, 2, 1 hits
   Settings().MaxListSize = 2;
   const std::vector<Cells> rows = RankedRows(JanuaryPage(), "<a name=countries>");
-  EXPECT_EQ(resolver_.asked, (Strings{"192.0.2.1", "192.0.2.2"}));
+  EXPECT_EQ(resolver_.Asked(), (Strings{"192.0.2.1", "192.0.2.2"}));
   ASSERT_EQ(rows.size(), 2u);
   EXPECT_EQ(rows[1], (Cells{"2", "com", "33&nbsp;%", "two.com", "33&nbsp;%"}));
+}
+
+TEST_F(Domains, FailedLookupCountsAsNoName) {
+  AddReaders({"a.one.org", "b.two.com"});  // 2, 1 hits
+  resolver_.failures["192.0.2.1"] = "Broken resolver";
+  const std::string page = JanuaryPage();
+  EXPECT_EQ(RankedRows(page, "<a name=readers>")[0][6], "");
+  EXPECT_EQ(RankedRows(page, "<a name=countries>")[0],
+            (Cells{"1", "com", "33&nbsp;%", "two.com", "33&nbsp;%"}));
+  EXPECT_TRUE(page_text::Contains(page, "<td>Unaccounted</td><td align=right>67&nbsp;%</td>"));
 }
 
 // Grouping sees the name as it came; only the page escapes it, and the CSV file does not.

@@ -101,7 +101,6 @@ void WriteFilters(std::string& page) {
 // Returns the error code of the section that ended the page early, 0 for a whole page.
 int WriteWholePage(MonthPage& month, bool on_demand) {
   WriteOpening(month, on_demand);
-  mdlDNS::BeginPage();
   report::ClassifyAgents(month);
   for (const Section section : kSections) {
     if (const int error = section(month); error != 0) return error;

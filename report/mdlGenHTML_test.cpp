@@ -180,7 +180,8 @@ TEST_F(MonthPageText, ReferringSitesOfEqualHitsKeepTheOrderByCount) {
   EXPECT_EQ(Column(RankedRows(JanuaryPage(), "Top referring sites"), 3), (Strings{"/", "host"}));
 }
 
-TEST_F(MonthPageText, OnlyListedAddressesAreLookedUpInRowOrder) {
+TEST_F(MonthPageText, OnlyListedAddressesAreLookedUpAndNamedInRowOrder) {
+  mdlConfigs::Run().LogTranslations = true;
   for (const int count : {2, 5, 1, 3}) {
     const std::string address = "192.0.2." + std::to_string(count);
     stats::LogRecord record = Fetch("/");
@@ -189,10 +190,13 @@ TEST_F(MonthPageText, OnlyListedAddressesAreLookedUpInRowOrder) {
   }
   Settings().MaxListSize = 3;
   JanuaryPage();
-  EXPECT_EQ(resolver_.asked, (Strings{"192.0.2.5", "192.0.2.3", "192.0.2.2"}));
+  EXPECT_EQ(resolver_.Asked(), (Strings{"192.0.2.2", "192.0.2.3", "192.0.2.5"}));
+  EXPECT_EQ(log_.Texts(), (Strings{"Hitwick : Translated IP '192.0.2.5' to ''",
+                                   "Hitwick : Translated IP '192.0.2.3' to ''",
+                                   "Hitwick : Translated IP '192.0.2.2' to ''"}));
 }
 
-TEST_F(MonthPageText, ResolverGetsANewChanceWithEveryPage) {
+TEST_F(MonthPageText, ResolverGetsANewChanceWithEveryRun) {
   for (const int last : {1, 2, 3, 4}) {
     const std::string address = "192.0.2." + std::to_string(last);
     stats::LogRecord record = Fetch("/");
@@ -203,6 +207,8 @@ TEST_F(MonthPageText, ResolverGetsANewChanceWithEveryPage) {
   EXPECT_EQ(Column(RankedRows(JanuaryPage(), "name=readers"), 6), (Strings{"", "", "", ""}));
   resolver_.timing_out.clear();
   resolver_.names["192.0.2.4"] = "four.example.org";
+  EXPECT_EQ(Column(RankedRows(JanuaryPage(), "name=readers"), 6), (Strings{"", "", "", ""}));
+  mdlDNS::BeginRun();
   EXPECT_EQ(Column(RankedRows(JanuaryPage(), "name=readers"), 6),
             (Strings{"", "", "", "four.example.org"}));
 }

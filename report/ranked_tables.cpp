@@ -1,8 +1,10 @@
 #include "report/ranked_tables.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "config/mdlConfigs.h"
 #include "config/text.h"
@@ -32,6 +34,14 @@ std::string_view SiteOf(std::string_view referrer) {
   const std::size_t scheme_end = referrer.find(kSchemeEnd);
   const std::size_t from = scheme_end == text::kNone ? 1 : scheme_end + kSchemeEnd.size();
   return referrer.substr(0, referrer.find('/', from));
+}
+
+// The keys of the rows that a table of the page lists.
+std::vector<std::string> ListedKeys(const MonthPage& month, stats::TallyTable& table) {
+  std::vector<std::string> keys;
+  const std::int32_t rows = month.Rows(table.Count());
+  for (std::int32_t rank = 1; rank <= rows; ++rank) keys.emplace_back(table.At(rank).Key);
+  return keys;
 }
 
 }  // namespace
@@ -112,6 +122,7 @@ int WriteFileTypesByKBytes(MonthPage& month) {
 }
 
 int WriteReaders(MonthPage& month) {
+  mdlDNS::LookUpPage(ListedKeys(month, Month().ClientAddresses));
   const auto key = [&month](const stats::TallyEntry& entry) -> RowKey {
     const std::string host = mdlDNS::HostNameOf(std::string(entry.Key));
     AddHost(month.domains, host, entry.Count);

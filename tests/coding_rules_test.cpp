@@ -164,6 +164,15 @@ TEST(CodingRules, DecisionsOfTheWindowsKnowNoToolkit) {
   EXPECT_GE(checked, 16);
 }
 
+TEST(CodingRules, OnlyNameLookupsUseThreads) {
+  const std::regex threads(
+      "^\\s*#\\s*include\\s*<(thread|future|mutex|shared_mutex|condition_variable|stop_token)>");
+  for (const SourceFile& file : SourceFiles()) {
+    if (file.is_test || file.path == "stats/name_lookups.cpp") continue;
+    EXPECT_EQ(FirstMatch(file.lines, threads), "") << file.path;
+  }
+}
+
 // CMake's LINKS of a folder and the arrows above say the same.
 TEST(CodingRules, CMakeLinksFollowTheArrows) {
   for (const auto& [folder, arrows] : kArrows) {

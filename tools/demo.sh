@@ -66,4 +66,5 @@ lines=$(cat "$logs"/*.log | grep -vc '^#')
 echo
 echo "Log lines: $lines"
 printf 'Run took:  %d.%02d s\n' $((took / 1000)) $((took % 1000 / 10))
+printf 'That is:   %d lines per second\n' $((lines * 1000 / (took > 0 ? took : 1)))
 echo "Open this: $usage/index.htm"
