@@ -166,7 +166,7 @@ TEST(CodingRules, DecisionsOfTheWindowsKnowNoToolkit) {
 
 TEST(CodingRules, OnlyNameLookupsUseThreads) {
   const std::regex threads(
-      "^\\s*#\\s*include\\s*<(thread|future|mutex|shared_mutex|condition_variable|stop_token)>");
+      "std::(jthread|thread|async)\\b|pthread_create|CreateThread|beginthread");
   for (const SourceFile& file : SourceFiles()) {
     if (file.is_test || file.path == "stats/name_lookups.cpp") continue;
     EXPECT_EQ(FirstMatch(file.lines, threads), "") << file.path;
