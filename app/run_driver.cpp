@@ -105,8 +105,9 @@ std::int16_t WriteMonthReport(std::int16_t firstDay, std::int16_t lastDay, std::
   PageFile file(path);
   if (!file.is_open()) return file.status();
   std::string page;
-  const mdlGenHTML::WriteResult result =
-      mdlGenHTML::WriteMonthPage(page, base_path, {firstDay, lastDay, month, year}, on_demand);
+  const mdlGenHTML::WriteResult result = mdlGenHTML::WriteMonthPage(
+      page, base_path, {.firstDay = firstDay, .lastDay = lastDay, .month = month, .year = year},
+      on_demand);
   if (!result.ok) file.Fail(result.error);
   file.Store(page);
   if (file.status() == 0) ShowStatus("Finished report " + path);

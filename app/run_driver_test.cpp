@@ -19,12 +19,15 @@ class DriverTest : public RunTest {
  protected:
   DriverTest() { UseLoadedSettings(); }
 
-  static int RunMonths(int first_month, int first_year, int last_month, int last_year,
-                       int first_day = 1, int last_day = 31) {
-    const auto shorten = [](int number) { return static_cast<std::int16_t>(number); };
-    return mdlConfigs::RunPeriod(shorten(first_day), shorten(last_day), shorten(first_month),
-                                 shorten(last_month), shorten(first_year), shorten(last_year));
+  static int RunMonths(int first_month, int first_year, int last_month, int last_year) {
+    return mdlConfigs::RunPeriod(1, 31, Short(first_month), Short(last_month), Short(first_year),
+                                 Short(last_year));
   }
+  // Some days of January 2026.
+  static int RunDays(int first_day, int last_day) {
+    return mdlConfigs::RunPeriod(Short(first_day), Short(last_day), 1, 1, 2026, 2026);
+  }
+  static std::int16_t Short(int number) { return static_cast<std::int16_t>(number); }
   void AddLog(const std::string& name, const std::string& lines) {
     files_.AddFile(platform::JoinPath("logs", name), "#Fields: c-ip cs-uri-stem\n" + lines);
   }
@@ -69,7 +72,7 @@ TEST_F(RunPeriodTest, DayRangeHoldsInEveryMonth) {
   for (const char* name : {"ex260104.log", "ex260105.log", "ex260110.log", "ex260111.log"}) {
     AddLog(name, "a /x\n");
   }
-  RunMonths(1, 2026, 1, 2026, 5, 10);
+  RunDays(5, 10);
   EXPECT_EQ(mdlMonth::Month().TotalHits, 2.0F);
 }
 
@@ -137,7 +140,7 @@ TEST_F(RunPeriodTest, OnDemandLeavesTheHistoryAlone) {
   State().OnDemandMode = true;
   State().ReportName = "first week";
   AddLog("ex260103.log", "a /x\n");
-  EXPECT_EQ(RunMonths(1, 2026, 1, 2026, 1, 7), 0);
+  EXPECT_EQ(RunDays(1, 7), 0);
   EXPECT_EQ(log_.Texts(), (List{"Hitwick: Logfiles will be read from logs",
                                 "Hitwick: month report created : " + UsagePath("first week.htm")}));
   EXPECT_EQ(files_.committed, List{UsagePath("first week.htm")});

@@ -17,7 +17,7 @@
 #include "platform/mod_systemInfo.h"
 #include "platform/service.h"
 #include "platform/window_system.h"
-#include "report/mdlGenHTML.h"
+#include "report/page_frame.h"
 #include "stats/mdlDNS.h"
 #include "stats/mdlMonth.h"
 #include "tests/fakes/fake_clock.h"
@@ -53,7 +53,8 @@ class RunTest : public testing::Test {
   // Settings as if they had been loaded.
   static void UseLoadedSettings() {
     State().SiteName = "web1";
-    State().Settings = {"W3C", "logs", "usage", 10, false, false, false};
+    State().Settings = {
+        .LogFormat = "W3C", .LogDir = "logs", .UsageDir = "usage", .MaxListSize = 10};
   }
   void CollectStatus() {
     State().Ui.show_status = [this](const std::string& text) { statuses_.push_back(text); };
@@ -97,7 +98,7 @@ class RunTest : public testing::Test {
     mdlConfigs::ResetPagesWritten();
     mdlFilters::Reset();
     mdlW3C::Reset();
-    mdlGenHTML::Reset();
+    report::ForgetHostName();
     mdlDNS::Reset();
     mdlMonth::Month().RobotsTxtAgents.Clear();
   }

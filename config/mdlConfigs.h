@@ -2,7 +2,8 @@
 //
 // State: `Run()`, one value for the process, set by start-up (app/) and, later, by the windows;
 // read everywhere above platform/. The settings live in the per-user settings store, one key per
-// site, and are loaded before a batch or catch-up run.
+// site, and are loaded before a batch or catch-up run. The procedures of a run belong to this
+// namespace too: app/run_driver.h.
 #ifndef HITWICK_CONFIG_MDLCONFIGS_H_
 #define HITWICK_CONFIG_MDLCONFIGS_H_
 
@@ -58,7 +59,8 @@ inline void LogInformation(std::string_view text) {
 }
 inline void LogWarning(std::string_view text) { LogEntry(platform::EventLevel::kWarning, text); }
 
-// Shows a message box unless in batch mode. The only way to a box.
+// Shows a message box unless in batch mode. The way to a box for everything that also runs in batch
+// mode; a question, and what only a window can cause, goes to `platform::TheMessageBoxes` itself.
 void TellUser(std::string_view text);
 // Shows the current activity in the configuration window's label unless in batch mode.
 void ShowStatus(const std::string& text);

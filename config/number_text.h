@@ -1,4 +1,5 @@
-// Numbers as decimal text, the same on every platform and in every locale.
+// Numbers as decimal text, the same on every platform and in every locale. Other helpers for text
+// are in text.h.
 #ifndef HITWICK_CONFIG_NUMBER_TEXT_H_
 #define HITWICK_CONFIG_NUMBER_TEXT_H_
 

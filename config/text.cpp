@@ -41,12 +41,6 @@ std::size_t FindIgnoringCase(std::string_view text, std::string_view needle, std
   return kNone;
 }
 
-std::string_view TrimBlanks(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(' ');
-  if (begin == kNone) return {};
-  return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
-
 double NumericValue(std::string_view text, bool signs) {
   const bool negative = signs && !text.empty() && text.front() == '-';
   if (signs && !text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);

@@ -1,5 +1,5 @@
 // Byte-wise text helpers that every folder above shares. Letter case means A to Z only, whatever
-// the locale: log text is bytes and is never decoded.
+// the locale: log text is bytes and is never decoded. Numbers as text are in number_text.h.
 #ifndef HITWICK_CONFIG_TEXT_H_
 #define HITWICK_CONFIG_TEXT_H_
 
@@ -30,8 +30,9 @@ inline bool ContainsIgnoringCase(std::string_view text, std::string_view needle)
   return FindIgnoringCase(text, needle) != kNone;
 }
 
+using platform::Trimmed;
 // The text without leading and trailing blanks (the space character only).
-std::string_view TrimBlanks(std::string_view text);
+inline std::string_view TrimBlanks(std::string_view text) { return Trimmed(text, " "); }
 
 // The numeric value of a text: its leading decimal digits, with a fraction when "." and digits
 // follow; 0 without a leading digit. With `signs` a leading "+" or "-" is understood as well.

@@ -2,7 +2,9 @@
 #ifndef HITWICK_PLATFORM_ENVIRONMENT_H_
 #define HITWICK_PLATFORM_ENVIRONMENT_H_
 
+#include <array>
 #include <string>
+#include <string_view>
 
 namespace platform {
 
@@ -17,6 +19,10 @@ std::string TimeLocaleName();
 // UTF-8; English in the C locale.
 std::string MonthName(int month);
 std::string MonthAbbreviation(int month);
+
+// The abbreviations of the C locale, for what is English in every locale.
+inline constexpr std::array<std::string_view, 12> kEnglishMonths = {
+    "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 }  // namespace platform
 

@@ -4,6 +4,7 @@
 #include <langinfo.h>
 #include <locale.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdlib>
@@ -13,12 +14,18 @@ namespace {
 
 constexpr int kMonths = 12;
 
+using NameList = std::array<std::string, kMonths>;
+
+NameList Strings(const std::array<std::string_view, kMonths>& names) {
+  NameList strings;
+  std::copy(names.begin(), names.end(), strings.begin());
+  return strings;
+}
+
 struct MonthNames {
-  std::array<std::string, kMonths> full{"January",   "February", "March",    "April",
-                                        "May",       "June",     "July",     "August",
-                                        "September", "October",  "November", "December"};
-  std::array<std::string, kMonths> abbreviated{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  NameList full{"January", "February", "March",     "April",   "May",      "June",
+                "July",    "August",   "September", "October", "November", "December"};
+  NameList abbreviated = Strings(kEnglishMonths);
 };
 
 constexpr std::array<nl_item, kMonths> kFullItems{MON_1, MON_2, MON_3, MON_4,  MON_5,  MON_6,
@@ -45,8 +52,7 @@ std::string ToUtf8(std::string text, const char* codeset) {
 
 // Puts the locale's names in the place of the English ones; one that is missing or cannot be
 // converted stays English.
-void TakeNames(locale_t locale, const std::array<nl_item, kMonths>& items,
-               std::array<std::string, kMonths>* names) {
+void TakeNames(locale_t locale, const std::array<nl_item, kMonths>& items, NameList* names) {
   const char* codeset = nl_langinfo_l(CODESET, locale);
   for (std::size_t month = 0; month < items.size(); ++month) {
     const std::string name = ToUtf8(nl_langinfo_l(items[month], locale), codeset);

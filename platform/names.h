@@ -1,10 +1,11 @@
-// Names as the settings store and the file listings compare them: letter case of A to Z ignored,
-// every other byte taken as it is. Used inside platform/, by the fakes that stand in for it, and by
-// the text helpers above.
+// Names as the settings store and the file listings read and compare them: letter case of A to Z
+// ignored, every other byte taken as it is. Used inside platform/, by the fakes that stand in for
+// it, and by the text helpers above.
 #ifndef HITWICK_PLATFORM_NAMES_H_
 #define HITWICK_PLATFORM_NAMES_H_
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,13 @@ inline std::string LowerCased(std::string_view name) {
   std::string lower(name);
   for (char& c : lower) c = LowerCase(c);
   return lower;
+}
+
+// The text without those of the characters `blanks` that stand at its ends.
+inline std::string_view Trimmed(std::string_view text, std::string_view blanks) {
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 inline bool SameName(std::string_view a, std::string_view b) {

@@ -13,12 +13,6 @@ namespace {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r";
 
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 bool HoldsLineBreakOrZero(std::string_view name) {
   return name.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
 }
@@ -154,7 +148,7 @@ bool SettingsFile::IsValidPath(std::string_view path) {
 }
 
 bool SettingsFile::IsValidValueName(std::string_view name) {
-  return !name.empty() && Trimmed(name) == name &&
+  return !name.empty() && Trimmed(name, kBlanks) == name &&
          std::string_view("[;#").find(name.front()) == std::string_view::npos &&
          name.find('=') == std::string_view::npos && !HoldsLineBreakOrZero(name) &&
          !name.starts_with(kByteOrderMark);
@@ -226,7 +220,7 @@ SettingsFile::Line SettingsFile::ReadLine(std::string_view bytes) {
 }
 
 void SettingsFile::ReadContent(std::string_view content, Line* line) {
-  const std::string_view trimmed = Trimmed(content);
+  const std::string_view trimmed = Trimmed(content, kBlanks);
   if (trimmed.empty()) {
     line->kind = Kind::kBlank;
   } else if (trimmed.front() == ';' || trimmed.front() == '#') {
@@ -238,10 +232,11 @@ void SettingsFile::ReadContent(std::string_view content, Line* line) {
     line->kind = valid ? Kind::kSection : Kind::kBrokenSection;
     line->name = path;
   } else if (const std::size_t equals = content.find('=');
-             equals != std::string_view::npos && !Trimmed(content.substr(0, equals)).empty() &&
+             equals != std::string_view::npos &&
+             !Trimmed(content.substr(0, equals), kBlanks).empty() &&
              content.find('\0') == std::string_view::npos) {
     line->kind = Kind::kValue;
-    line->name = Trimmed(content.substr(0, equals));
+    line->name = Trimmed(content.substr(0, equals), kBlanks);
     const std::string_view value = content.substr(ValueStart(content));
     line->text = Unescaped(value.substr(0, value.find_last_not_of(kBlank) + 1));
   } else {

@@ -68,7 +68,12 @@ bool SameStamp(const FileStamp& a, const FileStamp& b) {
 FileStamp StampOf(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) return {};
-  return {true, status.st_dev, status.st_ino, status.st_size, status.st_mtim, status.st_ctim};
+  return {.exists = true,
+          .device = status.st_dev,
+          .number = status.st_ino,
+          .size = status.st_size,
+          .modified = status.st_mtim,
+          .changed = status.st_ctim};
 }
 
 // The right to change the settings, held against other processes. The lock file stays where it

@@ -10,6 +10,7 @@
 #include "report/month_page.h"
 #include "report/numbers.h"
 #include "report/ranked_table.h"
+#include "report/table_row.h"
 #include "stats/mdlMonth.h"
 #include "stats/mdlVisit.h"
 #include "stats/mdlWebPage.h"
@@ -20,6 +21,7 @@ namespace {
 constexpr std::string_view kClassifierCsv = "BrowserClassifier";
 constexpr std::string_view kRobotsCsv = "Robots";
 constexpr std::string_view kSummaryCsv = "OneRow";
+constexpr std::string_view kPercent = "&nbsp;%";
 
 // "<td>Chrome</td><td align=right>40&nbsp;%</td>" of a classified tally's row; empty cells and
 // fields once the list has run out.
@@ -55,22 +57,6 @@ void WriteTraffic(MonthPage& month, std::string_view type, const RobotTraffic& t
 std::string BounceRate(const mdlVisit::Breakdown& lengths) {
   return numbers::Share(lengths[1].Visits, lengths[0].Visits);
 }
-
-// Collects the cells of the summary row and the fields of its record.
-class SummaryRow {
- public:
-  explicit SummaryRow(csv::Table& file) : file_(file) {}
-  void Add(const std::string& number, std::string_view unit = {}) {
-    cells_.append("<td>").append(number).append(unit).append("</td>");
-    file_.Number(number);
-  }
-  void AddPercentage(const std::string& number) { Add(number, "&nbsp;%"); }
-  const std::string& cells() const { return cells_; }
-
- private:
-  csv::Table& file_;
-  std::string cells_;
-};
 
 }  // namespace
 
@@ -140,7 +126,8 @@ int WriteRobots(MonthPage& month) {
   csv::Table file({"Type", "HitsPct", "KBytesPct"});
   WriteTraffic(month, "Robots", month.robots, file);
   WriteTraffic(month, "Others",
-               {month.total_hits - month.robots.hits, month.total_bytes - month.robots.bytes},
+               {.hits = month.total_hits - month.robots.hits,
+                .bytes = month.total_bytes - month.robots.bytes},
                file);
   html::Line(month.page, html::kTableEnd);
   return month.SaveCsv(kRobotsCsv, file);
@@ -158,22 +145,21 @@ int WriteShortSummary(MonthPage& month) {
              "<th>Delay mS</th><th>%Robots</th></tr>");
   csv::Table file({"Days", "DistVisitors", "Visits", "Bounces", "NRVisits", "NRBounces", "Hits",
                    "Files", "Pages", "DistPages", "KBytes", "Delay_mS", "%Robots"});
-  SummaryRow row(file);
+  TableRow row(file, "<tr>");
   row.Add(numbers::Plain(month.days));
   row.Add(numbers::Plain(stats.ClientAddresses.Count()));
   row.Add(numbers::Plain(mdlVisit::AllVisitLengths()[0].Visits));
-  row.AddPercentage(BounceRate(mdlVisit::AllVisitLengths()));
+  row.Add(BounceRate(mdlVisit::AllVisitLengths()), kPercent);
   row.Add(numbers::Plain(mdlVisit::NonRobotVisitLengths()[0].Visits));
-  row.AddPercentage(BounceRate(mdlVisit::NonRobotVisitLengths()));
+  row.Add(BounceRate(mdlVisit::NonRobotVisitLengths()), kPercent);
   row.Add(numbers::Plain(month.total_hits));
   row.Add(numbers::Plain(stats.TotalFiles));
   row.Add(numbers::Plain(stats.TotalPages));
   row.Add(numbers::Plain(stats.Pages.Count()));
   row.Add(numbers::Rounded(numbers::KBytes(month.total_bytes)));
   row.Add(numbers::Rounded(numbers::Per(stats.TotalTimeTaken, month.total_hits)));
-  row.AddPercentage(numbers::Share(month.robots.hits, month.total_hits));
-  file.EndRecord();
-  html::Line(month.page, "<tr>", row.cells(), "</tr>", html::kTableEnd);
+  row.Add(numbers::Share(month.robots.hits, month.total_hits), kPercent);
+  row.End(month.page, html::kTableEnd);
   return month.SaveCsv(kSummaryCsv, file);
 }
 

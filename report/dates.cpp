@@ -1,6 +1,5 @@
 #include "report/dates.h"
 
-#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -14,10 +13,7 @@ namespace report {
 namespace {
 
 constexpr int kMinutesPerDay = 24 * 60;
-constexpr std::array<std::string_view, 7> kWeekdays = {"Sun", "Mon", "Tue", "Wed",
-                                                       "Thu", "Fri", "Sat"};
-constexpr std::array<std::string_view, 12> kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                      "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+constexpr std::string_view kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 
 }  // namespace
 
@@ -30,7 +26,7 @@ std::string ExpiryTime() {
   const calendar::Date date = calendar::AddDays({now.year, now.month, now.day}, 1 + days);
   const auto weekday = static_cast<std::size_t>(calendar::Weekday(date));
   return std::string(kWeekdays[weekday]) + ", " + std::to_string(date.day) + " " +
-         std::string(kMonths[static_cast<std::size_t>(date.month) - 1]) + " " +
+         std::string(platform::kEnglishMonths[static_cast<std::size_t>(date.month) - 1]) + " " +
          std::to_string(date.year) + " " + text::TwoDigits(minutes / 60) + ":" +
          text::TwoDigits(minutes % 60) + ":" + text::TwoDigits(now.second);
 }

@@ -1,7 +1,6 @@
 #include "report/domains.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <string>
 
@@ -18,14 +17,40 @@ constexpr std::string_view kCsvName = "Domains";
 
 // Under these a company's name is the label below the top-level one; under all others there is a
 // level between them ("co.uk").
-constexpr std::array<std::string_view, 25> kTopLevelDomains = {
-    "com", "net", "org", "gov", "int", "mil", "edu", "biz", "info", "name", "pro", "ca", "it",
-    "de",  "gr",  "nl",  "ru",  "tv",  "cc",  "ws",  "to",  "in",   "br",   "pl",  "nu"};
+// clang-format off
+constexpr std::string_view kTopLevelDomains[] = {
+    "com",
+    "net",
+    "org",
+    "gov",
+    "int",
+    "mil",
+    "edu",
+    "biz",
+    "info",
+    "name",
+    "pro",
+    "ca",
+    "it",
+    "de",
+    "gr",
+    "nl",
+    "ru",
+    "tv",
+    "cc",
+    "ws",
+    "to",
+    "in",
+    "br",
+    "pl",
+    "nu",
+};
+// clang-format on
 
 bool IsListed(std::string_view label) {
-  return std::any_of(
-      kTopLevelDomains.begin(), kTopLevelDomains.end(),
-      [=](std::string_view domain) { return text::EqualsIgnoringCase(domain, label); });
+  return std::ranges::any_of(kTopLevelDomains, [=](std::string_view domain) {
+    return text::EqualsIgnoringCase(domain, label);
+  });
 }
 
 // The 1-based place of the last "." before the 1-based place `end`; 0 when there is none.

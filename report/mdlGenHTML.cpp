@@ -1,7 +1,6 @@
 #include "report/mdlGenHTML.h"
 
 #include <exception>
-#include <optional>
 #include <string_view>
 
 #include "config/mdlConfigs.h"
@@ -17,21 +16,15 @@
 #include "report/page_frame.h"
 #include "report/ranked_tables.h"
 #include "report/summary_table.h"
-#include "report/usage_charts.h"
+#include "report/usage_sections.h"
 #include "report/visit_tables.h"
 #include "stats/fault.h"
-#include "stats/mdlDNS.h"
 #include "stats/mdlMonth.h"
 
 namespace mdlGenHTML {
 namespace {
 
 using report::MonthPage;
-
-std::optional<std::string>& KnownHostName() {
-  static std::optional<std::string> name;
-  return name;
-}
 
 constexpr std::string_view kNavigation =
     "[<a href=\"#daily\">Daily</a>][<a href=\"#hourly\">Hourly</a>][<a href=\"#urls\">URLs</a>]"
@@ -117,21 +110,13 @@ WriteResult WriteMonthPage(std::string& page, const std::string& base_path, cons
   try {
     MonthPage month(page, base_path, period);
     const int error = WriteWholePage(month, onDemand);
-    if (error != 0) return {false, mod_systemInfo::GetErrorText(error)};
+    if (error != 0) return {.ok = false, .error = mod_systemInfo::GetErrorText(error)};
     return {};
   } catch (const stats::Fault& fault) {
-    return {false, fault.description()};
+    return {.ok = false, .error = fault.description()};
   } catch (const std::exception& failure) {
-    return {false, failure.what()};
+    return {.ok = false, .error = failure.what()};
   }
 }
-
-const std::string& HostName() {
-  std::optional<std::string>& name = KnownHostName();
-  if (!name) name = text::HtmlEscape(mdlDNS::LocalHostName());
-  return *name;
-}
-
-void Reset() { KnownHostName().reset(); }
 
 }  // namespace mdlGenHTML

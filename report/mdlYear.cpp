@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "config/mdlConfigs.h"
+#include "config/text.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
 #include "platform/mod_systemInfo.h"
@@ -34,20 +35,14 @@ std::string UsageFile(std::string_view name) {
   return platform::JoinPath(mdlConfigs::Run().Settings.UsageDir, name);
 }
 
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
-}
-
 // A decimal number, with or without sign, fraction and exponent, and nothing else.
-std::optional<double> ParseNumber(std::string_view text) {
-  text = Trimmed(text);
-  if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
+std::optional<double> ParseNumber(std::string_view field) {
+  std::string_view number = text::Trimmed(field, " \t\r");
+  if (number.size() > 1 && number.front() == '+' && number[1] != '-') number.remove_prefix(1);
+  const char* const end = number.data() + number.size();
   double value = 0;
-  const auto [stop, failure] = std::from_chars(text.data(), text.data() + text.size(), value);
-  const bool complete = failure == std::errc() && stop == text.data() + text.size();
+  const auto [stop, failure] = std::from_chars(number.data(), end, value);
+  const bool complete = failure == std::errc() && stop == end;
   if (!complete || !std::isfinite(value)) return std::nullopt;
   return value;
 }
@@ -75,8 +70,16 @@ std::optional<HistoryRow> ParseLine(std::string_view line) {
   const std::optional<std::int16_t> mon = ToInt16(values[0]);
   const std::optional<std::int16_t> yr = ToInt16(values[1]);
   if (!mon || !yr || *mon < 1 || *mon > 12) return std::nullopt;
-  return HistoryRow{*mon,      *yr,       values[2], values[3], values[4],
-                    values[5], values[6], values[7], values[8], values[9]};
+  return HistoryRow{.mon = *mon,
+                    .yr = *yr,
+                    .bytes = values[2],
+                    .hits = values[3],
+                    .pages = values[4],
+                    .upages = values[5],
+                    .responseTime = values[6],
+                    .visitors = values[7],
+                    .visits = values[8],
+                    .files = values[9]};
 }
 
 // All twelve slots, the month being the slot's number.

@@ -1,7 +1,8 @@
 // The yearly history ("History.txt", "Annual.csv") and the last-12-months page ("index.htm").
 //
 // State: twelve `HistoryRow` slots by calendar month, filled by `LoadHistory` before a run's first
-// month and by the log reader with each finished month, saved after the last.
+// month and by the log reader with each finished month, saved after the last. The page stands in
+// year_page.cpp.
 #ifndef HITWICK_REPORT_MDLYEAR_H_
 #define HITWICK_REPORT_MDLYEAR_H_
 

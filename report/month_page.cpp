@@ -8,19 +8,19 @@
 #include "platform/environment.h"
 #include "platform/file_system.h"
 #include "report/dates.h"
+#include "report/page_frame.h"
 #include "report/page_names.h"
 #include "report/replace_file.h"
 #include "stats/mdlMonth.h"
 
 namespace report {
 
-MonthPage::MonthPage(std::string& page_text, std::string base_path,
-                     const mdlGenHTML::Period& reported)
+MonthPage::MonthPage(std::string& page_text, std::string base_path, const Period& reported)
     : page(page_text),
       period(reported),
       month_name(platform::MonthName(reported.month)),
       month_and_year(month_name + " " + std::to_string(reported.year)),
-      host(mdlGenHTML::HostName()),
+      host(HostName()),
       days(DaysCounted(reported.month, reported.year)),
       total_hits(mdlMonth::Month().TotalHits),
       total_bytes(mdlMonth::Month().TotalBytes),

@@ -13,7 +13,7 @@
 
 #include "report/csv.h"
 #include "report/domains.h"
-#include "report/mdlGenHTML.h"
+#include "report/period.h"
 #include "stats/tally.h"
 
 namespace report {
@@ -27,7 +27,7 @@ struct RobotTraffic {
 class MonthPage {
  public:
   // `page` outlives this object; `base_path` as `WriteMonthPage` takes it.
-  MonthPage(std::string& page, std::string base_path, const mdlGenHTML::Period& period);
+  MonthPage(std::string& page, std::string base_path, const Period& period);
 
   // The rows of a table that the list size leaves, of `entries`.
   std::int32_t Rows(std::int32_t entries) const;
@@ -38,7 +38,7 @@ class MonthPage {
   int SaveCsv(std::string_view csv_name, const csv::Table& table) const;
 
   std::string& page;
-  const mdlGenHTML::Period period;
+  const Period period;
   const std::string month_name;      // in the user's language
   const std::string month_and_year;  // "January 2026"
   const std::string host;            // this computer's name, escaped

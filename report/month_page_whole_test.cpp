@@ -48,22 +48,58 @@ class WholeMonthPage : public ReportTest {
   }
 
   static void AddHits() {
-    stats::LogRecord hit = Browsing(2, 9, 0, "/index.htm", 10000, 100, kSearchSite);
+    stats::LogRecord hit = Browsing({.day = 2,
+                                     .hour = 9,
+                                     .minute = 0,
+                                     .uri = "/index.htm",
+                                     .bytes = 10000,
+                                     .time = 100,
+                                     .referrer = kSearchSite});
     hit.searchKeywords = "web logs";
     hit.hostLabel = " [www.example.org] ";
     Add(hit);
-    Add(Browsing(2, 9, 0, "/logo.gif", 26000, 50, "http://www.example.org/index.htm"));
-    Add(Browsing(2, 9, 1, "/a+b%7Ec.htm", 5000, 300, "-"));
-    hit = Browsing(3, 22, 0, "/robots.txt", 1500, 0, "-");
+    Add(Browsing({.day = 2,
+                  .hour = 9,
+                  .minute = 0,
+                  .uri = "/logo.gif",
+                  .bytes = 26000,
+                  .time = 50,
+                  .referrer = "http://www.example.org/index.htm"}));
+    Add(Browsing({.day = 2,
+                  .hour = 9,
+                  .minute = 1,
+                  .uri = "/a+b%7Ec.htm",
+                  .bytes = 5000,
+                  .time = 300,
+                  .referrer = "-"}));
+    hit = Browsing({.day = 3,
+                    .hour = 22,
+                    .minute = 0,
+                    .uri = "/robots.txt",
+                    .bytes = 1500,
+                    .time = 0,
+                    .referrer = "-"});
     hit.clientAddress = "192.0.2.2";
     hit.userAgent = kRobot;
     hit.status = "404";
     Add(hit);
-    hit = Browsing(3, 22, 0, "/index.htm", 10000, 200, "-");
+    hit = Browsing({.day = 3,
+                    .hour = 22,
+                    .minute = 0,
+                    .uri = "/index.htm",
+                    .bytes = 10000,
+                    .time = 200,
+                    .referrer = "-"});
     hit.clientAddress = "192.0.2.2";
     hit.userAgent = kRobot;
     Add(hit);
-    hit = Browsing(3, 22, 5, "/index.htm", 500, 0, kSearchSite);
+    hit = Browsing({.day = 3,
+                    .hour = 22,
+                    .minute = 5,
+                    .uri = "/index.htm",
+                    .bytes = 500,
+                    .time = 0,
+                    .referrer = kSearchSite});
     hit.clientAddress = "2001:db8::9";
     hit.method = "POST";
     hit.status = "304";
@@ -71,17 +107,24 @@ class WholeMonthPage : public ReportTest {
     Add(hit);
   }
 
-  static stats::LogRecord Browsing(std::int16_t day, std::int16_t hour, std::int16_t minute,
-                                   std::string_view uri, std::int32_t bytes, std::int32_t time,
-                                   std::string_view referrer) {
-    stats::LogRecord record = Fetch(uri);
-    record.day = day;
-    record.hour = hour;
-    record.minute = minute;
-    record.bytesSent = bytes;
-    record.timeTaken = time;
+  struct Request {
+    std::int16_t day = 0;
+    std::int16_t hour = 0;
+    std::int16_t minute = 0;
+    std::string_view uri;
+    std::int32_t bytes = 0;
+    std::int32_t time = 0;
+    std::string_view referrer;
+  };
+  static stats::LogRecord Browsing(const Request& request) {
+    stats::LogRecord record = Fetch(request.uri);
+    record.day = request.day;
+    record.hour = request.hour;
+    record.minute = request.minute;
+    record.bytesSent = request.bytes;
+    record.timeTaken = request.time;
     record.userAgent = kBrowser;
-    record.referrer = referrer;
+    record.referrer = request.referrer;
     return record;
   }
 

@@ -52,8 +52,8 @@ double FullScale(double largest) {
   const int exponent = static_cast<int>(Round(std::log10(floored) + 0.5));
   double decade = 1;
   for (int i = 1; i < exponent; ++i) decade *= 10;
-  // 3 * decade is three tenths of the full power, without the error of multiplying by 0.3.
   if (exponent == 0) return 1;
+  // 3 * decade is three tenths of the full power, without the error of multiplying by 0.3.
   return 3 * decade > floored ? 3 * decade : 10 * decade;
 }
 

@@ -1,12 +1,20 @@
 #include "report/page_frame.h"
 
+#include <optional>
+
 #include "config/mdlConfigs.h"
 #include "config/program.h"
 #include "config/text.h"
 #include "report/dates.h"
 #include "report/html.h"
+#include "stats/mdlDNS.h"
 
 namespace report {
+namespace {
+
+std::optional<std::string> host_name;
+
+}  // namespace
 
 void WriteHead(std::string& page, std::string_view title) {
   html::Line(page, "<!DOCTYPE HTML PUBLIC \"-//W3C//DTD HTML 4.01 Transitional//EN\">");
@@ -16,6 +24,13 @@ void WriteHead(std::string& page, std::string_view title) {
   html::Line(page, "<meta http-equiv=\"content-type\" content=\"text/html;charset=utf-8\"></head>");
   html::Line(page, "<BODY BGCOLOR=silver TEXT=\"#000000\" LINK=\"#0000FF\" VLINK=\"#FF0000\">");
 }
+
+const std::string& HostName() {
+  if (!host_name) host_name = text::HtmlEscape(mdlDNS::LocalHostName());
+  return *host_name;
+}
+
+void ForgetHostName() { host_name.reset(); }
 
 std::string SiteLabel() {
   const std::string& site = mdlConfigs::Run().SiteName;

@@ -1,6 +1,7 @@
 // What both kinds of page begin and end with.
 //
-// No state. Called by the month page and the last-12-months page.
+// State: this computer's name, looked up once per run. Called by the month page and the
+// last-12-months page.
 #ifndef HITWICK_REPORT_PAGE_FRAME_H_
 #define HITWICK_REPORT_PAGE_FRAME_H_
 
@@ -11,6 +12,11 @@ namespace report {
 
 // From the document type to the body tag. `title` is the whole title text.
 void WriteHead(std::string& page, std::string_view title);
+
+// This computer's name as the pages show it (HTML-escaped).
+const std::string& HostName();
+// Forgets the computer's name. For tests.
+void ForgetHostName();
 
 // " (NAME)" of the site in use, escaped; empty for the default site.
 std::string SiteLabel();

@@ -16,6 +16,7 @@
 #include "platform/file_system.h"
 #include "platform/service.h"
 #include "report/mdlGenHTML.h"
+#include "report/page_frame.h"
 #include "stats/mdlDNS.h"
 #include "stats/mdlMonth.h"
 #include "stats/mdlVisit.h"
@@ -37,7 +38,7 @@ class ReportTest : public testing::Test {
     clock_.bias_minutes = -60;
     mdlFilters::Reset();
     mdlDNS::Reset();
-    mdlGenHTML::Reset();
+    report::ForgetHostName();
     mdlWebPage::BuildLookupTables();
     mdlMonth::InitMonth();
     mdlMonth::Month().RobotsTxtAgents.Clear();
@@ -48,7 +49,7 @@ class ReportTest : public testing::Test {
     mdlVisit::InitVisits();
     mdlFilters::Reset();
     mdlDNS::Reset();
-    mdlGenHTML::Reset();
+    report::ForgetHostName();
     mdlConfigs::ResetRun();
   }
 

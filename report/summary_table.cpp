@@ -126,8 +126,13 @@ std::string PeakDay(const MonthPage& month, const std::vector<usage::Slot>& slot
          month.month_name + "]";
 }
 
-void WriteHitExtremes(const MonthPage& month, const std::vector<usage::Slot>& days,
-                      const std::vector<usage::Slot>& hours, SummaryRows& rows) {
+// The sums per day and per hour of the day.
+struct Sums {
+  std::vector<usage::Slot> days = usage::Days();
+  std::vector<usage::Slot> hours = usage::Hours();
+};
+
+void WriteHitExtremes(const MonthPage& month, const Sums& sums, SummaryRows& rows) {
   const mdlMonth::MonthStats& stats = mdlMonth::Month();
   const Figure hourly = OneDecimal(month.total_hits / (month.days * 24));
   const std::string busiest = numbers::Plain(stats.PeakHourHits);
@@ -137,14 +142,13 @@ void WriteHitExtremes(const MonthPage& month, const std::vector<usage::Slot>& da
       AverageCell::kForTwo, hourly, {busiest + ".0", busiest});
   rows.Extreme({"Hits per Hour" + std::string(kTimeslot), "Hits per Hour "},
                AverageCell::kFromAbove, hourly,
-               OneDecimal(usage::Largest(hours, usage::Hits) / month.days));
-  rows.Extreme({"Hits per Day" + PeakDay(month, days, usage::Hits), "Hits per Day"},
+               OneDecimal(usage::Largest(sums.hours, usage::Hits) / month.days));
+  rows.Extreme({"Hits per Day" + PeakDay(month, sums.days, usage::Hits), "Hits per Day"},
                AverageCell::kOwn, Whole(month.total_hits / month.days),
-               Same(numbers::Plain(usage::Largest(days, usage::Hits))));
+               Same(numbers::Plain(usage::Largest(sums.days, usage::Hits))));
 }
 
-void WriteKByteExtremes(const MonthPage& month, const std::vector<usage::Slot>& days,
-                        const std::vector<usage::Slot>& hours, SummaryRows& rows) {
+void WriteKByteExtremes(const MonthPage& month, const Sums& sums, SummaryRows& rows) {
   const mdlMonth::MonthStats& stats = mdlMonth::Month();
   const double total = numbers::KBytes(month.total_bytes);
   const Figure hourly = OneDecimal(total / (month.days * 24));
@@ -155,24 +159,30 @@ void WriteKByteExtremes(const MonthPage& month, const std::vector<usage::Slot>& 
                Same(numbers::Tenths(numbers::KBytes(stats.PeakHourBytes))));
   rows.Extreme({"KBytes per Hour" + std::string(kTimeslot), "KBytes per Hour"},
                AverageCell::kFromAbove, hourly,
-               OneDecimal(usage::Largest(hours, usage::KBytes) / month.days));
-  rows.Extreme({"KBytes per Day" + PeakDay(month, days, usage::KBytes), "KBytes per Day"},
+               OneDecimal(usage::Largest(sums.hours, usage::KBytes) / month.days));
+  rows.Extreme({"KBytes per Day" + PeakDay(month, sums.days, usage::KBytes), "KBytes per Day"},
                AverageCell::kOwn, Whole(total / month.days),
-               Same(numbers::Rounded(usage::Largest(days, usage::KBytes))));
+               Same(numbers::Rounded(usage::Largest(sums.days, usage::KBytes))));
 }
 
-// The two rows of files or pages.
-void WriteFetchExtremes(const MonthPage& month, double total, double largest_hour,
-                        double largest_day, const Label& hourly, std::string_view daily,
+// A kind of hits with two rows: files or pages.
+struct Fetches {
+  double total = 0;
+  usage::Measure measure = nullptr;
+  Label per_hour;
+  std::string_view per_day;
+};
+
+void WriteFetchExtremes(const MonthPage& month, const Fetches& fetches, const Sums& sums,
                         SummaryRows& rows) {
-  rows.Extreme(hourly, AverageCell::kOwn, OneDecimal(total / (month.days * 24)),
-               OneDecimal(largest_hour / month.days));
-  rows.Extreme({std::string(daily), daily}, AverageCell::kOwn, Whole(total / month.days),
-               Same(numbers::Plain(largest_day)));
+  rows.Extreme(fetches.per_hour, AverageCell::kOwn, OneDecimal(fetches.total / (month.days * 24)),
+               OneDecimal(usage::Largest(sums.hours, fetches.measure) / month.days));
+  rows.Extreme({std::string(fetches.per_day), fetches.per_day}, AverageCell::kOwn,
+               Whole(fetches.total / month.days),
+               Same(numbers::Plain(usage::Largest(sums.days, fetches.measure))));
 }
 
-void WriteTimeExtremes(const MonthPage& month, const std::vector<usage::Slot>& days,
-                       const std::vector<usage::Slot>& hours, SummaryRows& rows) {
+void WriteTimeExtremes(const MonthPage& month, const Sums& sums, SummaryRows& rows) {
   const mdlMonth::MonthStats& stats = mdlMonth::Month();
   const Figure average =
       Same(numbers::Rounded(numbers::Per(stats.TotalTimeTaken, month.total_hits)));
@@ -183,30 +193,33 @@ void WriteTimeExtremes(const MonthPage& month, const std::vector<usage::Slot>& d
                            const Figure& maximum) {
     rows.Extreme({std::string(label), label}, cell, mean, maximum);
   };
-  row("Ave (over hour) Response Time mS", AverageCell::kForTwo, average, largest(hours));
-  row("Ave (over day) Response Time mS", AverageCell::kFromAbove, average, largest(days));
+  row("Ave (over hour) Response Time mS", AverageCell::kForTwo, average, largest(sums.hours));
+  row("Ave (over day) Response Time mS", AverageCell::kFromAbove, average, largest(sums.days));
   row("Worst individual response time mS", AverageCell::kOwn, {},
       Same(numbers::Plain(stats.MaxTimeTaken)));
 }
 
 void WriteExtremes(const MonthPage& month, SummaryRows& rows) {
   const mdlMonth::MonthStats& stats = mdlMonth::Month();
-  const std::vector<usage::Slot> days = usage::Days();
-  const std::vector<usage::Slot> hours = usage::Hours();
+  const Sums sums;
   rows.Heading("<tr><th></th><th>Average</th><th>Max</th></tr>", {"Breakdown", "Average", "Max"});
-  WriteHitExtremes(month, days, hours, rows);
-  WriteKByteExtremes(month, days, hours, rows);
-  WriteFetchExtremes(
-      month, stats.TotalFiles, usage::Largest(hours, usage::Files),
-      usage::Largest(days, usage::Files),
-      {"Files per Hour timeslot" + std::string(kTimeslot), "Files per Hour timeslot"},
-      "Files per Day", rows);
-  WriteFetchExtremes(
-      month, stats.TotalPages, usage::Largest(hours, usage::Pages),
-      usage::Largest(days, usage::Pages),
-      {"Pages per Hour timeslot" + std::string(kTimeslot), "Pages per Hour timeslot "},
-      "Pages per Day", rows);
-  WriteTimeExtremes(month, days, hours, rows);
+  WriteHitExtremes(month, sums, rows);
+  WriteKByteExtremes(month, sums, rows);
+  WriteFetchExtremes(month,
+                     {.total = stats.TotalFiles,
+                      .measure = usage::Files,
+                      .per_hour = {.page = "Files per Hour timeslot" + std::string(kTimeslot),
+                                   .csv = "Files per Hour timeslot"},
+                      .per_day = "Files per Day"},
+                     sums, rows);
+  WriteFetchExtremes(month,
+                     {.total = stats.TotalPages,
+                      .measure = usage::Pages,
+                      .per_hour = {.page = "Pages per Hour timeslot" + std::string(kTimeslot),
+                                   .csv = "Pages per Hour timeslot "},
+                      .per_day = "Pages per Day"},
+                     sums, rows);
+  WriteTimeExtremes(month, sums, rows);
 }
 
 // All return codes, whatever the list size. The page puts the meaning before the code.

@@ -10,8 +10,13 @@ std::vector<Slot> Days() {
   const mdlMonth::MonthStats& month = mdlMonth::Month();
   std::vector<Slot> slots;
   for (int day = 1; day <= 31; ++day) {
-    slots.push_back({day, month.DayHits[day], month.DayBytes[day], month.DayFiles[day],
-                     month.DayPages[day], month.DayTimeTaken[day], month.DayFailures[day]});
+    slots.push_back({.number = day,
+                     .hits = month.DayHits[day],
+                     .bytes = month.DayBytes[day],
+                     .files = month.DayFiles[day],
+                     .pages = month.DayPages[day],
+                     .time_taken = month.DayTimeTaken[day],
+                     .failures = month.DayFailures[day]});
   }
   return slots;
 }
@@ -20,8 +25,12 @@ std::vector<Slot> Hours() {
   const mdlMonth::MonthStats& month = mdlMonth::Month();
   std::vector<Slot> slots;
   for (int hour = 0; hour < 24; ++hour) {
-    slots.push_back({hour, month.HourHits[hour], month.HourBytes[hour], month.HourFiles[hour],
-                     month.HourPages[hour], month.HourTimeTaken[hour], 0});
+    slots.push_back({.number = hour,
+                     .hits = month.HourHits[hour],
+                     .bytes = month.HourBytes[hour],
+                     .files = month.HourFiles[hour],
+                     .pages = month.HourPages[hour],
+                     .time_taken = month.HourTimeTaken[hour]});
   }
   return slots;
 }

@@ -28,7 +28,8 @@ struct StayUnit {
 
 // "very short" and "short" visits last less than a minute.
 StayUnit UnitOf(std::size_t band) {
-  return band == 1 || band == 2 ? StayUnit{"secs", 1} : StayUnit{"mins", 60};
+  return band == 1 || band == 2 ? StayUnit{.name = "secs", .seconds = 1}
+                                : StayUnit{.name = "mins", .seconds = 60};
 }
 
 // The three cells and six fields of one band, for all visits or for those of non-robots.
@@ -60,7 +61,7 @@ using UrlLists = std::array<UrlList, 4>;
 UrlLists EntryAndExitLists(const MonthPage& month) {
   mdlMonth::VisitTables& visits = mdlMonth::Month().Visits;
   const auto list = [&month](stats::TallyTable& table) {
-    return UrlList{table, month.Rows(table.Count())};
+    return UrlList{.table = table, .rows = month.Rows(table.Count())};
   };
   return {list(visits.AllEntry), list(visits.AllExit), list(visits.NonRobotEntry),
           list(visits.NonRobotExit)};

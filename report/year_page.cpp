@@ -1,4 +1,4 @@
-// The last-12-months page, "index.htm".
+// The last-12-months page, "index.htm". The history that it shows is kept in mdlYear.cpp.
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,6 @@
 #include "platform/environment.h"
 #include "report/dates.h"
 #include "report/html.h"
-#include "report/mdlGenHTML.h"
 #include "report/mdlYear.h"
 #include "report/numbers.h"
 #include "report/page_frame.h"
@@ -29,14 +28,23 @@ struct Series {
 double AverageTime(const HistoryRow& row) { return numbers::Per(row.responseTime, row.hits); }
 
 constexpr Series kSeries[] = {
-    {"green", "green", " Hits", [](const HistoryRow& row) { return row.hits; }},
-    {"red", "red", " Bytes", [](const HistoryRow& row) { return row.bytes; }},
-    {"orange", "orange", " Visitors", [](const HistoryRow& row) { return row.visitors; }},
-    {"pink", "salmon", " mS Ave Response", AverageTime}};
-
-// The chart names the months in English in every locale.
-constexpr std::array<std::string_view, 12> kMonthLabels = {
-    "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    {.colour = "green",
+     .legend_colour = "green",
+     .unit = " Hits",
+     .measure = [](const HistoryRow& row) { return row.hits; }},
+    {.colour = "red",
+     .legend_colour = "red",
+     .unit = " Bytes",
+     .measure = [](const HistoryRow& row) { return row.bytes; }},
+    {.colour = "orange",
+     .legend_colour = "orange",
+     .unit = " Visitors",
+     .measure = [](const HistoryRow& row) { return row.visitors; }},
+    {.colour = "pink",
+     .legend_colour = "salmon",
+     .unit = " mS Ave Response",
+     .measure = AverageTime},
+};
 
 double ScaleOf(const Series& series) {
   double largest = 0;
@@ -47,7 +55,7 @@ double ScaleOf(const Series& series) {
 }
 
 void WriteOpening(std::string& page) {
-  const std::string& host = mdlGenHTML::HostName();
+  const std::string& host = report::HostName();
   report::WriteHead(page, "Usage statistics for " + host + " - last 12 months");
   html::Line(page, "<H2>Usage Statistics for ", host, report::SiteLabel(), "</H2>");
   html::Line(page, report::PeriodText("Last 12 Months", report::GenerationTime(false), ""));
@@ -57,11 +65,12 @@ void WriteOpening(std::string& page) {
 void WriteChart(std::string& page) {
   const bool with_csv = mdlConfigs::Run().Settings.GenerateCSV;
   html::Line(page, "<table width=\"90%\" border=1 rules=groups frame=box cellpadding=0>");
-  html::Caption(page, "Usage summary for " + mdlGenHTML::HostName(),
+  html::Caption(page, "Usage summary for " + report::HostName(),
                 with_csv ? " <small><a href=\"Annual.csv\">(Download)</a></small>" : "");
   html::Line(page, "<tfoot>");
   html::Line(page, "<tr align=left><td></td>");
-  for (const std::string_view label : kMonthLabels) {
+  // English in every locale.
+  for (const std::string_view label : platform::kEnglishMonths) {
     html::Line(page, "<td colspan=5><tt><b>", label, "</b></tt></td>");
   }
   html::Line(page, "</tr>");

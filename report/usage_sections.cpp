@@ -1,4 +1,4 @@
-#include "report/usage_charts.h"
+#include "report/usage_sections.h"
 
 #include <string>
 #include <string_view>
@@ -9,6 +9,7 @@
 #include "report/html.h"
 #include "report/month_page.h"
 #include "report/numbers.h"
+#include "report/table_row.h"
 #include "report/usage.h"
 
 namespace report {
@@ -30,7 +31,9 @@ struct Series {
 };
 
 Series ScaledSeries(std::string_view colour, const Slots& slots, usage::Measure measure) {
-  return {colour, measure, numbers::FullScale(usage::Largest(slots, measure))};
+  return {.colour = colour,
+          .measure = measure,
+          .full_scale = numbers::FullScale(usage::Largest(slots, measure))};
 }
 
 // Hits, KBytes and response time; the legends name their full scales in this order.
@@ -70,16 +73,21 @@ void WriteBars(MonthPage& month, const Slots& slots, const std::vector<Series>& 
   }
 }
 
-// What both charts start with: the CSV link, then the scales of the first three series.
-void WriteLegend(MonthPage& month, std::string_view csv_name, const std::string& hits,
-                 std::string_view hits_unit, const std::string& kbytes,
-                 std::string_view kbytes_unit, double time_scale) {
+// The full scales of the first three series, with their units.
+struct Legend {
+  std::string hits;
+  std::string kbytes;
+  std::string time;
+};
+
+// The CSV link and the scales that both charts have.
+void WriteLegend(MonthPage& month, std::string_view csv_name, const Legend& legend) {
   const std::string link = month.DownloadLink(csv_name);
   if (!link.empty()) html::Line(month.page, link);
   html::Line(month.page, "<table width=\"90%\"><tr><td>100%=</td>");
-  html::Line(month.page, "<td><font color=green>", hits, hits_unit, "</font></td>");
-  html::Line(month.page, "<td><font color=red>", kbytes, kbytes_unit, "</font></td>");
-  html::Line(month.page, "<td><font color=salmon>", numbers::Plain(time_scale), " mS</font></td>");
+  html::Line(month.page, "<td><font color=green>", legend.hits, "</font></td>");
+  html::Line(month.page, "<td><font color=red>", legend.kbytes, "</font></td>");
+  html::Line(month.page, "<td><font color=salmon>", legend.time, "</font></td>");
 }
 
 std::string UsageCaption(const MonthPage& month, std::string_view kind) {
@@ -88,15 +96,18 @@ std::string UsageCaption(const MonthPage& month, std::string_view kind) {
 
 void WriteDailyChart(MonthPage& month, const Slots& slots) {
   std::vector<Series> all_series = CommonSeries(slots);
-  all_series.push_back({"lightblue", usage::FailurePercentage, 100});
+  all_series.push_back(
+      {.colour = "lightblue", .measure = usage::FailurePercentage, .full_scale = 100});
   html::Line(month.page, "<br>", kChart);
   html::Caption(month.page, "<a name=daily>" + UsageCaption(month, "Daily") + "</a>");
   WriteFoot(month, slots, all_series.size(), DayNumber);
   WriteBars(month, slots, all_series);
   html::Line(month.page, "<td></td></tr></tbody>");
   html::Line(month.page, "</table>");
-  WriteLegend(month, kDailyCsv, numbers::Plain(all_series[0].full_scale), " Hits",
-              numbers::Plain(all_series[1].full_scale), " KBytes", all_series[2].full_scale);
+  WriteLegend(month, kDailyCsv,
+              {.hits = numbers::Plain(all_series[0].full_scale) + " Hits",
+               .kbytes = numbers::Plain(all_series[1].full_scale) + " KBytes",
+               .time = numbers::Plain(all_series[2].full_scale) + " mS"});
   html::Line(month.page, "<td><font color=blue>% failures</font></td>");
   html::Line(month.page, "</tr></table>");
 }
@@ -109,32 +120,18 @@ void WriteHourlyChart(MonthPage& month, const Slots& slots) {
   WriteBars(month, slots, all_series);
   html::Line(month.page, "<td></td></tr>");
   html::Line(month.page, "</tbody></table>");
-  WriteLegend(month, kHourlyCsv, numbers::Tenths(all_series[0].full_scale / month.days),
-              " Hits/hour", numbers::Tenths(all_series[1].full_scale / month.days), " KBytes/hour",
-              all_series[2].full_scale);
+  WriteLegend(month, kHourlyCsv,
+              {.hits = numbers::Tenths(all_series[0].full_scale / month.days) + " Hits/hour",
+               .kbytes = numbers::Tenths(all_series[1].full_scale / month.days) + " KBytes/hour",
+               .time = numbers::Plain(all_series[2].full_scale) + " mS"});
   html::Line(month.page, "</tr></table>");
 }
 
-// Collects the cells of one row and the fields of its record.
-class UsageRow {
- public:
-  UsageRow(csv::Table& file, std::string_view number_cell, int number) : file_(file) {
-    cells_.append("<tr align=right><td>").append(number_cell).append("</td>");
-    file_.Number(std::to_string(number));
-  }
-  void Add(const std::string& number, std::string_view unit = {}) {
-    cells_.append("<td>").append(number).append(unit).append("</td>");
-    file_.Number(number);
-  }
-  void End(std::string& page) {
-    html::Line(page, cells_, "</tr>");
-    file_.EndRecord();
-  }
-
- private:
-  csv::Table& file_;
-  std::string cells_;
-};
+TableRow StartRow(csv::Table& file, const std::string& number_cell, int number) {
+  TableRow row(file, "<tr align=right>");
+  row.AddAs(number_cell, std::to_string(number));
+  return row;
+}
 
 csv::Table WriteDailyTable(MonthPage& month, const Slots& slots) {
   html::Line(month.page, kTable);
@@ -145,7 +142,7 @@ csv::Table WriteDailyTable(MonthPage& month, const Slots& slots) {
              "KBytes</th><th bgcolor=pink>mS</th><th bgcolor=lightblue colspan=2>failures</th>");
   csv::Table file({"Day", "Hits", "HitsPct", "KBytes", "KBytesPct", "mS", "Failures", "FailPct"});
   for (const usage::Slot& slot : slots) {
-    UsageRow row(file, DayNumber(month, slot.number), slot.number);
+    TableRow row = StartRow(file, DayNumber(month, slot.number), slot.number);
     row.Add(numbers::Plain(slot.hits));
     row.Add(numbers::Share(slot.hits, month.total_hits), "%");
     row.Add(numbers::Rounded(usage::KBytes(slot)));
@@ -168,7 +165,7 @@ csv::Table WriteHourlyTable(MonthPage& month, const Slots& slots) {
              "<th colspan=2 bgcolor=red>KBytes</th><th bgcolor=pink>mS</th>");
   csv::Table file({"Hour", "HitsPerHour", "HitsPct", "KBytesPerHour", "KBytesPct", "mS"});
   for (const usage::Slot& slot : slots) {
-    UsageRow row(file, HourNumber(month, slot.number), slot.number);
+    TableRow row = StartRow(file, HourNumber(month, slot.number), slot.number);
     row.Add(numbers::Tenths(slot.hits / month.days));
     row.Add(numbers::Share(slot.hits, month.total_hits), "%");
     row.Add(numbers::Tenths(usage::KBytes(slot) / month.days));

@@ -1,8 +1,8 @@
 // Daily and hourly usage: a bar chart with its legend, and the figures as a table.
 //
 // No state. The second and third section of the month page.
-#ifndef HITWICK_REPORT_USAGE_CHARTS_H_
-#define HITWICK_REPORT_USAGE_CHARTS_H_
+#ifndef HITWICK_REPORT_USAGE_SECTIONS_H_
+#define HITWICK_REPORT_USAGE_SECTIONS_H_
 
 namespace report {
 
@@ -14,4 +14,4 @@ int WriteHourlyUsage(MonthPage& month);
 
 }  // namespace report
 
-#endif  // HITWICK_REPORT_USAGE_CHARTS_H_
+#endif  // HITWICK_REPORT_USAGE_SECTIONS_H_
