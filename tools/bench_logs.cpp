@@ -80,13 +80,14 @@ void AppendNumber(std::uint64_t number, std::string* out) {
 bool IsPageUrl(std::uint64_t url) { return url % 4 == 0; }
 
 void AppendUrl(std::uint64_t url, std::string* out) {
-  constexpr std::array<std::string_view, 8> kExtensions = {".htm",  ".gif", ".jpg", ".css",
-                                                           ".aspx", ".js",  ".png", ".jpg"};
+  constexpr std::string_view kExtensions[] = {
+      ".htm", ".gif", ".jpg", ".css", ".aspx", ".js", ".png", ".jpg",
+  };
   out->append(IsPageUrl(url) ? "/s" : "/files/");
   AppendNumber(url / 16 % 97, out);
   out->append(IsPageUrl(url) ? "/page-" : "/");
   AppendNumber(url, out);
-  out->append(kExtensions[url % kExtensions.size()]);
+  out->append(kExtensions[url % std::size(kExtensions)]);
 }
 
 // One agent in sixteen is a robot.

@@ -18,9 +18,9 @@ constexpr std::uint64_t kSeed = 20;
 constexpr unsigned kVisitsPerDay = 27;
 // Shares of a day's visits that begin in each hour, and of a plain day's visits on each weekday
 // (Sunday first) in percent.
-constexpr std::array<unsigned, 24> kHourShares = {6,  4,  3,  3,  4,  8,  18, 34, 52, 66, 74, 78,
-                                                  70, 68, 72, 74, 70, 66, 70, 76, 72, 54, 30, 14};
-constexpr std::array<unsigned, 7> kWeekdayPercent = {62, 118, 120, 116, 112, 104, 58};
+constexpr unsigned kHourShares[] = {6,  4,  3,  3,  4,  8,  18, 34, 52, 66, 74, 78,
+                                    70, 68, 72, 74, 70, 66, 70, 76, 72, 54, 30, 14};
+constexpr unsigned kWeekdayPercent[] = {62, 118, 120, 116, 112, 104, 58};
 // A newsletter goes out on this day of every month.
 constexpr int kNewsletterDay = 12;
 
@@ -65,7 +65,7 @@ class DemoLogs {
   }
 
   static std::int64_t TimeOfDay(Random& random) {
-    const unsigned total = std::accumulate(kHourShares.begin(), kHourShares.end(), 0U);
+    const unsigned total = std::accumulate(std::begin(kHourShares), std::end(kHourShares), 0U);
     std::uint64_t share = random.Below(total);
     std::int64_t hour = 0;
     for (; share >= kHourShares[static_cast<std::size_t>(hour)]; ++hour) {

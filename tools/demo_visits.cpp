@@ -1,6 +1,5 @@
 #include "tools/demo_visits.h"
 
-#include <array>
 #include <string_view>
 
 #include "tools/referrers.h"
@@ -11,13 +10,16 @@ namespace {
 constexpr std::size_t kRegulars = 700;
 constexpr std::uint64_t kStrangers = 40000;
 constexpr std::size_t kBrowserCount = 60;
-constexpr std::array<std::string_view, 5> kUsers = {"archivist", "curator", "frontdesk",
-                                                    "MUSEUM\\volunteer7", "webmaster"};
-constexpr std::array<std::string_view, 5> kLostPages = {
+constexpr std::string_view kUsers[] = {
+    "archivist", "curator", "frontdesk", "MUSEUM\\volunteer7", "webmaster",
+};
+constexpr std::string_view kLostPages[] = {
     "/exhibit/old-lights.htm", "/news/2009/summer.htm", "/collection/anchor.htm", "/links.html",
-    "/events/regatta.asp"};
-constexpr std::array<std::string_view, 5> kSiteSearches = {"q=lens", "q=boat+trip", "q=tickets",
-                                                           "q=rope%20walk", "q=parking"};
+    "/events/regatta.asp",
+};
+constexpr std::string_view kSiteSearches[] = {
+    "q=lens", "q=boat+trip", "q=tickets", "q=rope%20walk", "q=parking",
+};
 
 }  // namespace
 

@@ -1,7 +1,5 @@
 #include "tools/referrers.h"
 
-#include <array>
-
 namespace sample_logs {
 namespace {
 
@@ -10,45 +8,47 @@ struct SearchEngine {
   std::string_view after_words;
 };
 
-constexpr std::array<SearchEngine, 8> kEngines = {{
-    {"https://www.google.com/search?q=", "&ie=UTF-8"},
-    {"https://www.google.com/search?q=", "&ie=UTF-8"},
-    {"http://www.google.co.uk/search?hl=en&q=", "&start=10"},
-    {"https://www.bing.com/search?q=", "&form=QBLH"},
-    {"https://duckduckgo.com/?q=", "&ia=web"},
-    {"https://search.yahoo.com/search?p=", "&fr=yfp-t"},
-    {"https://www.ecosia.org/search?method=index&q=", ""},
-    {"http://www.ask.com/web?o=0&q=", "&qsrc=364"},
-}};
+constexpr SearchEngine kEngines[] = {
+    {.before_words = "https://www.google.com/search?q=", .after_words = "&ie=UTF-8"},
+    {.before_words = "https://www.google.com/search?q=", .after_words = "&ie=UTF-8"},
+    {.before_words = "http://www.google.co.uk/search?hl=en&q=", .after_words = "&start=10"},
+    {.before_words = "https://www.bing.com/search?q=", .after_words = "&form=QBLH"},
+    {.before_words = "https://duckduckgo.com/?q=", .after_words = "&ia=web"},
+    {.before_words = "https://search.yahoo.com/search?p=", .after_words = "&fr=yfp-t"},
+    {.before_words = "https://www.ecosia.org/search?method=index&q=", .after_words = ""},
+    {.before_words = "http://www.ask.com/web?o=0&q=", .after_words = "&qsrc=364"},
+};
 
-constexpr std::array<std::string_view, 26> kSearches = {"harbour+museum",
-                                                        "harbour+museum",
-                                                        "harbour%20museum",
-                                                        "harbour+museum+opening+hours",
-                                                        "lighthouse+lens+how+does+it+work",
-                                                        "%22rope+walk%22",
-                                                        "ship%27s+bell+history",
-                                                        "tide+table",
-                                                        "fresnel+lens",
-                                                        "caf%C3%A9+near+harbour+museum",
-                                                        "model+ships+for+children",
-                                                        "steam+tug+boat+trips",
-                                                        "how+to+tie+a+bowline",
-                                                        "sextant+explained",
-                                                        "museum+tickets+family",
-                                                        "what%27s+on+harbour+weekend",
-                                                        "old+sea+charts+1880",
-                                                        "ship+in+a+bottle+workshop",
-                                                        "diving+helmet",
-                                                        "morse+code+signal+lamp",
-                                                        "herring+fishery+history",
-                                                        "knots+%26+splices",
-                                                        "museum+parking",
-                                                        "figurehead+collection",
-                                                        "school+visit+museum+harbour",
-                                                        "100%25+cotton+sailor+shirt"};
+constexpr std::string_view kSearches[] = {
+    "harbour+museum",
+    "harbour+museum",
+    "harbour%20museum",
+    "harbour+museum+opening+hours",
+    "lighthouse+lens+how+does+it+work",
+    "%22rope+walk%22",
+    "ship%27s+bell+history",
+    "tide+table",
+    "fresnel+lens",
+    "caf%C3%A9+near+harbour+museum",
+    "model+ships+for+children",
+    "steam+tug+boat+trips",
+    "how+to+tie+a+bowline",
+    "sextant+explained",
+    "museum+tickets+family",
+    "what%27s+on+harbour+weekend",
+    "old+sea+charts+1880",
+    "ship+in+a+bottle+workshop",
+    "diving+helmet",
+    "morse+code+signal+lamp",
+    "herring+fishery+history",
+    "knots+%26+splices",
+    "museum+parking",
+    "figurehead+collection",
+    "school+visit+museum+harbour",
+    "100%25+cotton+sailor+shirt",
+};
 
-constexpr std::array<std::string_view, 9> kSites = {
+constexpr std::string_view kSites[] = {
     "http://www.town.example/tourism/museums.htm",
     "http://www.town.example/",
     "https://news.example.org/culture/weekend-tips",
@@ -57,7 +57,8 @@ constexpr std::array<std::string_view, 9> kSites = {
     "https://wiki.example.org/wiki/Fresnel_lens",
     "http://links.example.com/maritime.html#museums",
     "https://social.example/post/1882",
-    "http://schools.example.net/trips"};
+    "http://schools.example.net/trips",
+};
 
 }  // namespace
 

@@ -1,14 +1,14 @@
 #include "tools/visitors.h"
 
-#include <array>
 #include <charconv>
+#include <iterator>
 #include <string_view>
 
 namespace sample_logs {
 namespace {
 
 // "#" stands for the version.
-constexpr std::array<std::string_view, 12> kBrowsers = {
+constexpr std::string_view kBrowsers[] = {
     "Mozilla/5.0+(Windows+NT+10.0;+Win64;+x64)+AppleWebKit/537.36+(KHTML,+like+Gecko)+Chrome/#"
     "+Safari/537.36",
     "Mozilla/5.0+(iPhone;+CPU+iPhone+OS+17_5+like+Mac+OS+X)+AppleWebKit/605.1.15+(KHTML,+like"
@@ -28,7 +28,8 @@ constexpr std::array<std::string_view, 12> kBrowsers = {
     "Mozilla/5.0+(compatible;+MSIE+10.0;+Windows+NT+6.1;+WOW64;+Trident/6.0;+rv:#)",
     "Opera/9.80+(Windows+NT+6.1)+Presto/2.12.388+Version/#",
     "Mozilla/5.0+(X11;+CrOS+x86_64+14541.0.0)+AppleWebKit/537.36+(KHTML,+like+Gecko)+Chrome/#"
-    "+Safari/537.36"};
+    "+Safari/537.36",
+};
 
 std::string Version(std::uint64_t number) {
   return std::to_string(96 + number % 40) + "." + std::to_string(number / 40);
@@ -49,8 +50,11 @@ std::string IPv6Address(std::uint64_t number) {
 
 // The documentation ranges first, they hold 254 addresses each; then the private range.
 std::string IPv4Address(std::uint64_t number) {
-  constexpr std::array<std::string_view, 3> kDocumentation = {"192.0.2.", "198.51.100.",
-                                                              "203.0.113."};
+  constexpr std::string_view kDocumentation[] = {
+      "192.0.2.",
+      "198.51.100.",
+      "203.0.113.",
+  };
   if (number < 3 * 254) {
     return std::string(kDocumentation[number % 3]) + std::to_string(1 + number / 3);
   }
@@ -66,9 +70,9 @@ std::string ClientAddress(std::uint64_t index) {
 }
 
 std::string BrowserAgent(std::uint64_t index) {
-  std::string agent(kBrowsers[index % kBrowsers.size()]);
+  std::string agent(kBrowsers[index % std::size(kBrowsers)]);
   const std::size_t version_at = agent.find('#');
-  return agent.replace(version_at, 1, Version(index / kBrowsers.size()));
+  return agent.replace(version_at, 1, Version(index / std::size(kBrowsers)));
 }
 
 const std::vector<Robot>& Robots() {
