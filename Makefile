@@ -10,6 +10,7 @@ BENCH_PACKAGES = $(SERVER_PACKAGES) libbenchmark-dev python3
 WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix
 WINE_PACKAGES = $(WINDOWS_PACKAGES) $(SERVER_TEST_PACKAGES) googletest wine wine64
 FORMAT_PACKAGES = clang-format git
+PICTURE_PACKAGES = $(SERVER_PACKAGES) chromium fonts-liberation imagemagick
 TIDY_PACKAGES = $(TEST_PACKAGES) clang-tidy git
 
 # Extra arguments of the configuration step, such as -DHITWICK_WERROR=ON.
@@ -17,7 +18,7 @@ CONFIGURE =
 
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
-.PHONY: build server demo test test-server test-asan bench windows test-windows format check-format tidy clean
+.PHONY: build server demo picture test test-server test-asan bench windows test-windows format check-format tidy clean
 
 build:
 	tools/need.sh $(BUILD_PACKAGES)
@@ -32,6 +33,11 @@ server:
 
 demo: server
 	tools/demo.sh build/server
+
+# The picture of the README.
+picture: server
+	tools/need.sh $(PICTURE_PACKAGES)
+	tools/picture.sh build/server
 
 test:
 	tools/need.sh $(TEST_PACKAGES)
