@@ -2,8 +2,9 @@
 //
 // Once the windows have started, their boxes are used. Before that, and in a build without windows:
 // `MessageBox` on Windows; on Linux the text goes to standard error and a question counts as
-// answered with no. Whether a box may appear at all (never in a batch run) is decided by
-// `mdlConfigs::TellUser`, not here.
+// answered with no. Whether a box may appear at all (never in a batch run) is decided by the
+// callers: `mdlConfigs::TellUser`, `mod_systemInfo` for its own, and the windows, which no batch
+// run has.
 #ifndef HITWICK_PLATFORM_MESSAGE_BOX_H_
 #define HITWICK_PLATFORM_MESSAGE_BOX_H_
 
