@@ -7,6 +7,7 @@
 
 #include "ui/controls.h"
 #include "ui/shown_text.h"
+#include "ui/toolkit.h"
 
 namespace ui {
 namespace {
@@ -57,6 +58,7 @@ void FolderBox::Build(wxWindow* parent, const Texts& texts) {
 
 void FolderBox::BindEvents() {
   list_->Bind(wxEVT_LISTBOX_DCLICK, [this](wxCommandEvent&) { GoIn(); });
+  BindEnter(list_, [this] { GoIn(); });
   list_->Bind(wxEVT_CHAR_HOOK, &FolderBox::List_KeyDown, this);
   drives_->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { Drive_Change(); });
   browse_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Browse_Click(); });
@@ -93,14 +95,10 @@ void FolderBox::GoIn() {
 }
 
 void FolderBox::List_KeyDown(wxKeyEvent& event) {
-  switch (event.GetKeyCode()) {
-    case WXK_RETURN:
-    case WXK_NUMPAD_ENTER:
-      return GoIn();
-    case WXK_BACK:
-      return Moved(owner_.go_up());
-    default:
-      event.Skip();
+  if (event.GetKeyCode() == WXK_BACK) {
+    Moved(owner_.go_up());
+  } else {
+    event.Skip();
   }
 }
 

@@ -3,6 +3,9 @@
 #define HITWICK_UI_TOOLKIT_H_
 
 #include <wx/event.h>
+#include <wx/listbox.h>
+
+#include <functional>
 
 namespace ui {
 
@@ -12,6 +15,9 @@ void PrepareToolkit();
 // True for a key that asks for the menu of the control with the keyboard, where the toolkit does
 // not make a wxContextMenuEvent of it by itself.
 bool IsMenuKey(const wxKeyEvent& event);
+
+// What Enter does in a list box, in the place of pressing the window's default button.
+void BindEnter(wxListBox* list, std::function<void()> action);
 
 }  // namespace ui
 
