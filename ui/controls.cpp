@@ -2,9 +2,14 @@
 
 #include <wx/persist/toplevel.h>
 #include <wx/sizer.h>
+#include <wx/utils.h>
+
+#include <algorithm>
+#include <memory>
 
 #include "ui/accessible.h"
 #include "ui/shown_text.h"
+#include "ui/type_ahead.h"
 
 namespace ui {
 namespace {
@@ -29,6 +34,28 @@ void Press(wxWindow* control) {
     event.SetInt(1);
     option->HandleWindowEvent(event);
   }
+}
+
+// The toolkits' own search knows nothing of indented lines, and GTK's finds only whole ones.
+void ListChar(wxListBox* list, TypeAhead* typed, wxKeyEvent& event) {
+  const wxChar character = event.GetUnicodeKey();
+  const bool starts = character == ' ' && !typed->typing(event.GetTimestamp());
+  if (character < ' ' || character == WXK_DELETE || event.HasModifiers() || starts) {
+    event.Skip();
+    return;
+  }
+  std::vector<std::string> lines;
+  for (const wxString& line : list->GetStrings()) lines.push_back(Typed(line));
+  const auto found = typed->Type(Typed(wxString(character)), event.GetTimestamp(), lines,
+                                 static_cast<std::size_t>(std::max(0, list->GetSelection())));
+  if (!found) return wxBell();
+  list->SetSelection(static_cast<int>(*found));
+  list->EnsureVisible(static_cast<int>(*found));
+}
+
+void BindTypeAhead(wxListBox* list) {
+  const auto typed = std::make_shared<TypeAhead>();
+  list->Bind(wxEVT_CHAR, [list, typed](wxKeyEvent& event) { ListChar(list, typed.get(), event); });
 }
 
 }  // namespace
@@ -69,6 +96,7 @@ wxListBox* NewListBox(wxWindow* parent, const ControlText& text) {
   auto* const list = new wxListBox(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, nullptr,
                                    wxLB_SINGLE | wxLB_NEEDED_SB | wxWANTS_CHARS);
   Describe(list, text);
+  BindTypeAhead(list);
   return list;
 }
 
