@@ -113,6 +113,7 @@ void frmOnDemand::txtRepName_Change() {
 
 void frmOnDemand::btnGoMonth_Click() {
   const bool runs = ui::on_demand::IsValid(Choice(), years_);
+  wxWindow* const had_keyboard = FindFocus();
   if (runs) {
     EnableAll(false);
     configuration_.BeginRun(1);
@@ -120,6 +121,8 @@ void frmOnDemand::btnGoMonth_Click() {
   ui::on_demand::btnGoMonth_Click(Choice(), years_, ui::Typed(txtRepName->GetValue()));
   if (runs) {
     EnableAll(true);
+    // A control loses the keyboard when it is disabled.
+    if (had_keyboard != nullptr && IsDescendant(had_keyboard)) had_keyboard->SetFocus();
     configuration_.EndRun();
   }
 }
