@@ -82,17 +82,25 @@ void frmFilters::AddRow() {
   rows_.push_back(row);
 }
 
+void frmFilters::RemoveRow() {
+  const Row row = rows_.back();
+  rows_.pop_back();
+  for (wxWindow* control :
+       std::initializer_list<wxWindow*>{row.lblExisting, row.btnEdit, row.btnDelete}) {
+    control->Hide();
+    grid_->Detach(control);
+    control->Reparent(this);  // what is hidden must not be scrolled
+    // The button may be the one that is being pressed.
+    CallAfter([control] { control->Destroy(); });
+  }
+}
+
 void frmFilters::LayOutRows() {
   const std::vector<std::string> names = filter_list::FilterNames();
   while (rows_.size() < names.size()) AddRow();
+  while (rows_.size() > names.size()) RemoveRow();
   for (std::size_t i = 0; i < rows_.size(); ++i) {
     const Row& row = rows_[i];
-    const bool used = i < names.size();
-    for (wxWindow* control :
-         std::initializer_list<wxWindow*>{row.lblExisting, row.btnEdit, row.btnDelete}) {
-      control->Show(used);
-    }
-    if (!used) continue;
     row.lblExisting->SetLabelText(ui::Shown(names[i]));
     ui::DescribeControl(row.lblExisting, ui::Shown(names[i]), "");
     Rename(row.btnEdit, texts::EditButton(names[i]));

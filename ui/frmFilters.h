@@ -29,6 +29,8 @@ class frmFilters : public wxDialog {
   void Build();
   void BindEvents();
   void AddRow();
+  // Takes the last row away.
+  void RemoveRow();
   void LayOutRows();
   void ShowPictures();
   void ShowEditor(const ui::FilterEntry& entry);
@@ -39,7 +41,7 @@ class frmFilters : public wxDialog {
 
   wxScrolledWindow* rules_ = nullptr;
   wxFlexGridSizer* grid_ = nullptr;
-  std::vector<Row> rows_;  // as many as were ever needed; those without a rule are hidden
+  std::vector<Row> rows_;  // one per rule
   wxButton* btnAdd = nullptr;
   wxButton* btnOK = nullptr;
 };
