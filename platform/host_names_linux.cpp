@@ -88,8 +88,9 @@ class Resolver : public HostNames {
                                  host.data(), host.size(), nullptr, 0, NI_NAMEREQD);
     const int system_error = errno;
     if (code != 0) {
-      // A tenth less, for clocks that are not quite of one mind.
-      const bool waited = Clock::now() - begin >= patience * 9 / 10;
+      // A tenth less, for clocks that are not quite of one mind. Without patience nobody is asked.
+      const bool waited =
+          patience > Clock::duration::zero() && Clock::now() - begin >= patience * 9 / 10;
       return ResultOfFailure(code, system_error, waited, error);
     }
     *name = host.data();

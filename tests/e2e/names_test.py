@@ -146,7 +146,7 @@ class Names(unittest.TestCase):
             lines += [f"{date:%Y-%m-%d} 00:00:00 {address} /page.htm 200 1000\n"] * hits
         self.box.write(f"logs/u_ex{date:%y%m%d}.log", HEADER + "".join(lines))
 
-    def run_with(self, hosts, *switches, servers=SERVERS[:1]):
+    def run_with(self, hosts, *switches, servers=SERVERS[:1], options=""):
         """The run with these lines as /etc/hosts and these name servers for all else. Returns the
         files of the usage folder and the seconds that the run took."""
         self.box.write("etc/hosts", hosts)
@@ -157,7 +157,7 @@ class Names(unittest.TestCase):
         # The program's own patience is what is tested, and a frozen clock would never run out.
         begin = time.monotonic()
         result = self.box.run(PROGRAM, ["/SITE=web1", *switches], None,
-                              extra={"RES_OPTIONS": ""}, timeout=300,
+                              extra={"RES_OPTIONS": options}, timeout=300,
                               wrapper=["unshare", "--mount", "sh", "-c",
                                        f"{mounts}exec \"$0\" \"$@\""])
         seconds = time.monotonic() - begin
@@ -284,6 +284,16 @@ class Names(unittest.TestCase):
         self.assertEqual(len(names), 100)
         self.assertEqual(set(names.values()), {""})
         self.assertLess(seconds, 20)
+
+    def test_a_resolver_that_is_told_not_to_try_asks_nobody_and_knows_the_hosts_file(self):
+        server = NameServer(silent)
+        self.addCleanup(server.close)
+        self.box.configure("web1")
+        self.write_log(ADDRESSES)
+        files, _ = self.run_with("198.51.100.100 last.example\n", "/BATCH", options="attempts:0")
+        self.assertEqual(self.readers(files[f"{MONTH}.htm"])["198.51.100.100"], "last.example")
+        self.assertEqual(server.asked, [])
+        self.assertEqual(self.warnings(), [])
 
     def test_without_a_name_server_a_run_takes_no_time(self):
         self.box.configure("web1")
