@@ -163,7 +163,7 @@ def shoot(desk, pictures, suffix, scale, wanted):
     time.sleep(0.5)
     subprocess.run(["import", "-window", "root", pictures / f"menu{suffix}.png"],
                    env=desk.environment, check=True)
-    desk.key("Return")
+    desk.key("Down", "Return")
     take("Create new usage folder", "new-folder")
     desk.key("Escape")
     desk.window(main)

@@ -40,7 +40,7 @@ frmConfig::frmConfig()
   ShowSettings();
   ShowProgress(0, 0);
   BindEvents();
-  cmdSave->SetDefault();
+  // No default button: Enter belongs to the folder lists, and must not save and exit by mistake.
   log_folders_->list()->SetFocus();
   ui::FinishWindow(this, whole, "frmConfig");
 }
@@ -91,9 +91,11 @@ void frmConfig::BindButtonEvents() {
   btnFilter->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { btnFilter_Click(); });
   btnHelp->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { configuration_.btnHelp_Click(); });
   cmdQuit->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { configuration_.cmdQuit_Click(); });
-  btnScheduleAdd->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
+  const auto add_task = [this](wxCommandEvent&) {
     configuration_.btnScheduleAdd_Click(ui::Typed(txtSchedWhen->GetValue()));
-  });
+  };
+  btnScheduleAdd->Bind(wxEVT_BUTTON, add_task);
+  txtSchedWhen->Bind(wxEVT_TEXT_ENTER, add_task);
 }
 
 void frmConfig::txtListSizes_Change() {
@@ -152,6 +154,8 @@ void frmConfig::Enable(ui::ConfigControl control, bool enabled) {
   } else {
     ControlOf(control)->Enable(enabled);
   }
+  // The window that the button has opened may still be there.
+  if (control == ui::ConfigControl::btnOnDemand && on_demand_) on_demand_->Enable(enabled);
 }
 
 bool frmConfig::AndView() const { return chkAndView->GetValue(); }

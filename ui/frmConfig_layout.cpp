@@ -119,7 +119,7 @@ wxSizer* frmConfig::BuildButtons() {
 wxSizer* frmConfig::BuildSchedule() {
   boxSchedule = new wxStaticBox(panel_, wxID_ANY, ui::Shown(texts::boxSchedule.caption));
   ui::Describe(boxSchedule, texts::boxSchedule);
-  txtSchedWhen = ui::NewTextBox(panel_, texts::txtSchedWhen);
+  txtSchedWhen = ui::NewTextBox(panel_, texts::txtSchedWhen, wxTE_PROCESS_ENTER);
   txtSchedWhen->SetMinSize(wxSize(FromDIP(kNumberWidth), -1));
   btnScheduleAdd = ui::NewButton(panel_, texts::btnScheduleAdd, 'A');
   auto* const schedule = new wxStaticBoxSizer(boxSchedule, wxHORIZONTAL);
@@ -134,6 +134,7 @@ wxSizer* frmConfig::BuildStatus() {
                        wxDefaultSize, wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE);
   months_done_ = new wxGauge(panel_, wxID_ANY, 1, wxDefaultPosition,
                              FromDIP(wxSize(kGaugeWidth, -1)), wxGA_HORIZONTAL | wxGA_SMOOTH);
+  ui::Describe(months_done_, texts::barMonthsDone);
   auto* const status = new wxBoxSizer(wxHORIZONTAL);
   status->Add(lblCurrent, wxSizerFlags(1).CentreVertical());
   status->AddSpacer(FromDIP(kWideGap));

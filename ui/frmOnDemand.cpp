@@ -95,13 +95,6 @@ ui::on_demand::Selection frmOnDemand::Choice() const {
           lstYear->GetSelection()};
 }
 
-void frmOnDemand::EnableAll(bool enabled) {
-  for (wxWindow* control : std::initializer_list<wxWindow*>{lstFromDay, lstToDay, lstMonth, lstYear,
-                                                            txtRepName, btnGoMonth, btnQuit}) {
-    control->Enable(enabled);
-  }
-}
-
 void frmOnDemand::txtRepName_Change() {
   const wxString text = txtRepName->GetValue();
   const wxString cleaned = ui::Shown(ui::on_demand::txtRepName_Change(ui::Typed(text)));
@@ -111,20 +104,17 @@ void frmOnDemand::txtRepName_Change() {
   txtRepName->SetInsertionPoint(place);
 }
 
+// The configuration window disables this one during any run, and shows its progress.
 void frmOnDemand::btnGoMonth_Click() {
+  if (configuration_.running()) return;
   const bool runs = ui::on_demand::IsValid(Choice(), years_);
   wxWindow* const had_keyboard = FindFocus();
-  if (runs) {
-    EnableAll(false);
-    configuration_.BeginRun(1);
-  }
+  if (runs) configuration_.BeginRun(1);
   ui::on_demand::btnGoMonth_Click(Choice(), years_, ui::Typed(txtRepName->GetValue()));
-  if (runs) {
-    EnableAll(true);
-    // A control loses the keyboard when it is disabled.
-    if (had_keyboard != nullptr && IsDescendant(had_keyboard)) had_keyboard->SetFocus();
-    configuration_.EndRun();
-  }
+  if (!runs) return;
+  configuration_.EndRun();
+  // A control loses the keyboard when its window is disabled.
+  if (had_keyboard != nullptr && IsDescendant(had_keyboard)) had_keyboard->SetFocus();
 }
 
 // The window outlives its own run.

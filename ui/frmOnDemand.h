@@ -23,7 +23,6 @@ class frmOnDemand : public wxDialog {
   void Form_Load();
   void BindEvents();
   ui::on_demand::Selection Choice() const;
-  void EnableAll(bool enabled);
 
   void txtRepName_Change();
   void btnGoMonth_Click();

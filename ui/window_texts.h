@@ -80,6 +80,7 @@ inline constexpr ControlText chkShowUsernames{"Show Usernames", tips::kShowUsern
 inline constexpr ControlText lblCSV{"Generate CSV files for other analysis", tips::kCSV};
 inline constexpr ControlText chkCSV{"", tips::kCSV, lblCSV.caption};
 inline constexpr ControlText lblCurrent{"Current activity in progress.", ""};
+inline constexpr ControlText barMonthsDone{"", "", "Months done"};
 inline constexpr ControlText cmdSave{"Save + Exit",
                                      "Save configuration settings to be used in next scheduled "
                                      "batch run, but don't generate anything now."};
