@@ -1,30 +1,13 @@
 #include "stats/hashed_key.h"
 
-#include <cstring>
 #include <random>
 
 namespace stats {
 namespace {
 
-std::uint64_t RandomWord() {
+std::uint64_t OddRandomWord() {
   std::random_device device;
-  return (std::uint64_t{device()} << 32) | device();
-}
-
-// The process's secret key. Odd, so that no factor of two is lost in the multiplications.
-struct Secret {
-  std::uint64_t a = RandomWord() | 1;
-  std::uint64_t b = RandomWord() | 1;
-  std::uint64_t c = RandomWord() | 1;
-};
-const Secret secret;
-
-// Both halves of the 128-bit product folded into one word: every input bit reaches every output
-// bit in two such steps.
-std::uint64_t FoldedProduct(std::uint64_t x, std::uint64_t y) {
-  __extension__ using Wide = unsigned __int128;
-  const Wide product = Wide{x} * y;
-  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+  return (std::uint64_t{device()} << 32) | device() | 1;
 }
 
 std::uint64_t Load64(const char* bytes) {
@@ -49,21 +32,34 @@ std::uint64_t LoadShort(const char* bytes, std::size_t size) {
   return byte(0) << 16 | byte(size / 2) << 8 | byte(size - 1);
 }
 
+std::uint64_t Fold16(const char* bytes, std::uint64_t lane) {
+  return FoldedProduct(Load64(bytes) ^ lane, Load64(bytes + 8) ^ hash_secret.b);
+}
+
 }  // namespace
 
+const HashSecret hash_secret = {OddRandomWord(), OddRandomWord(), OddRandomWord()};
+
+// Two lanes, because a multiplication may begin in one while the other still waits for its own;
+// what is left over is read as words that overlap.
 std::uint64_t HashText(std::string_view text) {
   const char* bytes = text.data();
   std::size_t left = text.size();
-  std::uint64_t hash = secret.a ^ (text.size() * 0x9E3779B97F4A7C15u);
-  for (; left >= 16; bytes += 16, left -= 16) {
-    hash = FoldedProduct(Load64(bytes) ^ hash, Load64(bytes + 8) ^ secret.b);
+  std::uint64_t lane = hash_secret.a ^ (text.size() * 0x9E3779B97F4A7C15u);
+  std::uint64_t other_lane = hash_secret.c;
+  for (; left > 32; bytes += 32, left -= 32) {
+    lane = Fold16(bytes, lane);
+    other_lane = Fold16(bytes + 16, other_lane);
   }
-  if (left >= 8) {
-    hash = FoldedProduct(Load64(bytes) ^ hash, Load64(bytes + left - 8) ^ secret.b);
+  if (left > 16) {
+    lane = Fold16(bytes, lane);
+    other_lane = Fold16(bytes + left - 16, other_lane);
+  } else if (left >= 8) {
+    lane = FoldedProduct(Load64(bytes) ^ lane, Load64(bytes + left - 8) ^ hash_secret.b);
   } else {
-    hash = FoldedProduct(LoadShort(bytes, left) ^ hash, secret.b);
+    lane = FoldedProduct(LoadShort(bytes, left) ^ lane, hash_secret.b);
   }
-  return FoldedProduct(hash ^ secret.c, secret.a);
+  return FoldedProduct(lane ^ other_lane, hash_secret.a);
 }
 
 }  // namespace stats

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include "stats/tally.h"
 
@@ -20,7 +22,7 @@ struct SharedTables {
 
 TEST(KeyStore, FindsOnlyWhatWasEntered) {
   KeyStore keys;
-  const KeyStore::Ref first = keys.Append("/a");
+  const KeyStore::Ref first = keys.FindOrEnter("/a");
   EXPECT_EQ(keys.Find("/a"), first);
   EXPECT_EQ(keys.Key(first), "/a");
   EXPECT_EQ(keys.Find("/A"), KeyStore::kNone);
@@ -30,9 +32,9 @@ TEST(KeyStore, FindsOnlyWhatWasEntered) {
 TEST(KeyStore, KeysLongerThanABlockAndEmptyKeysAreKept) {
   KeyStore keys(3);
   const std::string huge(std::size_t{3} << 20, 'x');
-  const KeyStore::Ref before = keys.Append("");
-  const KeyStore::Ref large = keys.Append(huge);
-  const KeyStore::Ref after = keys.Append("/after");
+  const KeyStore::Ref before = keys.FindOrEnter("");
+  const KeyStore::Ref large = keys.FindOrEnter(huge);
+  const KeyStore::Ref after = keys.FindOrEnter("/after");
   EXPECT_EQ(keys.Key(before), "");
   EXPECT_EQ(keys.Key(large), huge);
   EXPECT_EQ(keys.Key(after), "/after");
@@ -42,7 +44,7 @@ TEST(KeyStore, KeysLongerThanABlockAndEmptyKeysAreKept) {
 TEST(KeyStore, ManyKeysKeepTheirCells) {
   KeyStore keys(2);
   for (int i = 0; i < 50000; ++i) {
-    const KeyStore::Ref ref = keys.Append(std::to_string(i));
+    const KeyStore::Ref ref = keys.FindOrEnter(std::to_string(i));
     keys.At(ref, 0).count = i;
     keys.At(ref, 1).count = -i;
   }
@@ -82,15 +84,48 @@ TEST(SharedKeys, ClearingOneTableLeavesTheOther) {
   EXPECT_EQ(tables.hits.At(1).Metric, 5);
 }
 
-TEST(SharedKeys, KeysAreForgottenWithTheLastTable) {
-  SharedTables tables;
-  mdlMonth::TallyAdd("/a", tables.hits, 10);
-  mdlMonth::TallyAdd("/b", tables.pages, 3);
-  tables.hits.Clear();
-  EXPECT_NE(tables.keys.Find("/a"), KeyStore::kNone);
-  tables.pages.Clear();
-  EXPECT_EQ(tables.keys.Find("/a"), KeyStore::kNone);
-  EXPECT_EQ(tables.keys.Find("/b"), KeyStore::kNone);
+TEST(KeyStore, AKeyIsEnteredOnce) {
+  KeyStore keys;
+  const KeyStore::Ref row = keys.FindOrEnter("/a");
+  EXPECT_EQ(keys.FindOrEnter("/a"), row);
+  EXPECT_EQ(keys.FindOrEnterAgain("/a"), row);
+  const KeyStore::Ref other = keys.FindOrEnterAgain("/b");
+  EXPECT_NE(other, row);
+  EXPECT_EQ(keys.FindOrEnterAgain("/b"), other);
+  EXPECT_EQ(keys.FindOrEnterAgain("/a"), row);
+}
+
+TEST(KeyStore, NotesBeginAtZeroAndStay) {
+  KeyStore keys(1, 2);
+  const KeyStore::Ref row = keys.FindOrEnter("/a");
+  EXPECT_EQ(keys.Note(row, 0), 0U);
+  EXPECT_EQ(keys.Note(row, 1), 0U);
+  keys.Note(row, 1) = 0xFFFFFFFF;
+  keys.At(row, 0).count = 7;
+  EXPECT_EQ(keys.Note(row, 0), 0U);
+  EXPECT_EQ(keys.Note(row, 1), 0xFFFFFFFF);
+  EXPECT_EQ(keys.Key(row), "/a");
+}
+
+TEST(KeyStore, VisitsEveryKeyInOrderOfEntry) {
+  KeyStore keys(2, 1);
+  std::vector<std::string> entered;
+  for (int i = 0; i < 20000; ++i) {
+    entered.push_back(std::string(static_cast<std::size_t>(i % 50), 'x') + std::to_string(i));
+    if (i % 5000 == 0) entered.back() += std::string(300'000, 'y');
+    keys.FindOrEnter(entered.back());
+  }
+  std::vector<std::string> visited;
+  keys.ForEach([&](KeyStore::Ref row) { visited.emplace_back(keys.Key(row)); });
+  EXPECT_TRUE(visited == entered);
+}
+
+TEST(KeyStore, ClearForgetsEveryKey) {
+  KeyStore keys;
+  keys.FindOrEnterAgain("/a");
+  keys.Clear();
+  EXPECT_EQ(keys.Find("/a"), KeyStore::kNone);
+  EXPECT_NE(keys.FindOrEnterAgain("/a"), KeyStore::kNone);
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #include "stats/mdlMonth.h"
 
 #include <algorithm>
+#include <new>
 #include <optional>
+#include <vector>
 
 #include "config/mdlConfigs.h"
 #include "config/text.h"
@@ -14,6 +16,7 @@ namespace {
 
 using stats::AddTo;
 using stats::HashedKey;
+using stats::KeyStore;
 using stats::LogRecord;
 
 // One word to a line.
@@ -36,7 +39,9 @@ constexpr std::string_view kRedirectStatuses[] = {
 };
 // clang-format on
 constexpr std::string_view kRobotsTxt = "/robots.txt";
+constexpr std::string_view kFileStatus = "200";
 constexpr std::string_view kEmptyMark = "-";
+constexpr KeyStore::Ref kNoFileType = 0xFFFFFFFF;
 
 TallyTable robots_txt_agents;
 std::optional<MonthStats> month_stats(std::in_place, robots_txt_agents);
@@ -48,16 +53,69 @@ bool OneContains(const std::string_view (&list)[N], std::string_view status) {
   });
 }
 
-// One hit being added: the record, and its texts hashed once for all tables.
+// How a status counts, as bits of the note in its row; see `AddHit`.
+enum StatusClass : std::uint32_t {
+  kStatusKnown = 1,
+  kStatusSuccess = 2,
+  kStatusSuccessOrRedirect = 4,
+  kStatusFile = 8
+};
+
+std::uint32_t ClassOf(std::string_view status) {
+  std::uint32_t status_class = kStatusKnown;
+  if (IsSuccessStatus(status)) status_class |= kStatusSuccess;
+  if (IsSuccessOrRedirectStatus(status)) status_class |= kStatusSuccessOrRedirect;
+  if (status == kFileStatus) status_class |= kStatusFile;
+  return status_class;
+}
+
+// A text of a hit and its row, which is looked for, and entered, when it is first needed.
+struct HitKey {
+  HitKey(std::string_view text, KeyStore& keys) : key(text), store(&keys) {}
+
+  // False when there is no memory for a text that is new.
+  bool FindRow() {
+    try {
+      if (row == KeyStore::kNone) row = store->FindOrEnter(key);
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+    return true;
+  }
+
+  HashedKey key;
+  KeyStore* store;
+  KeyStore::Ref row = KeyStore::kNone;
+};
+
+// The texts of a hit that several tables, or the visits, want.
+struct HitKeys {
+  HitKeys(const LogRecord& record, MonthStats& month)
+      : uri(record.uriStem, month.UriKeys),
+        agent(record.userAgent, month.AgentKeys),
+        address(record.clientAddress, month.ClientAddresses.Keys()),
+        referrer(record.referrer, month.ReferrerKeys) {}
+
+  void PrefetchBuckets() const {
+    for (const HitKey* key : {&uri, &agent, &address, &referrer}) {
+      key->store->PrefetchBucket(key->key);
+    }
+  }
+  void PrefetchRows() const {
+    for (const HitKey* key : {&uri, &agent, &address, &referrer}) key->store->PrefetchRow(key->key);
+  }
+
+  HitKey uri;
+  HitKey agent;
+  HitKey address;
+  HitKey referrer;
+};
+
+// One hit being added.
 class HitAdder {
  public:
-  explicit HitAdder(LogRecord& record)
-      : record_(record),
-        uri_(record.uriStem),
-        agent_(record.userAgent),
-        address_(record.clientAddress),
-        referrer_(record.referrer),
-        bytes_(static_cast<float>(record.bytesSent)) {}
+  HitAdder(LogRecord& record, HitKeys& keys)
+      : record_(record), keys_(keys), bytes_(static_cast<float>(record.bytesSent)) {}
 
   void Add() {
     AddCounters();
@@ -66,9 +124,8 @@ class HitAdder {
     AddClient();
     at_status_ = true;
     AddStatus();
-    AddFile();
     AddQueryAndUser();
-    mdlVisit::TrackVisit(address_, agent_, TimeInPeriod(), record_.uriStem, record_.bytesSent);
+    AddToVisit();
     if (!record_.hostLabel.empty()) month_.HostLabel = record_.hostLabel;
   }
 
@@ -120,54 +177,98 @@ class HitAdder {
   void AddUri() {
     if (record_.uriStem.empty()) return;
     if (!record_.userAgent.empty() && text::EqualsIgnoringCase(record_.uriStem, kRobotsTxt)) {
-      TallyAdd(agent_, month_.RobotsTxtAgents, bytes_);
+      TallyAdd(keys_.agent.key, month_.RobotsTxtAgents, bytes_);
     }
-    static std::string file_type;  // reused, so that a hit allocates nothing
+    if (keys_.uri.FindRow()) AddFileType(month_.UriKeys.Note(keys_.uri.row, kFileTypeNote));
+  }
+
+  // `note`, in the URL's row, holds the row of its file type or that it has none.
+  void AddFileType(std::uint32_t& note) {
+    if (note == kNoFileType) return;
+    if (note != KeyStore::kNone) return TallyAddAt(note, month_.FileTypes, bytes_);
+    std::string file_type;
     stats::FindFileType(record_.uriStem, file_type);
     if (!file_type.empty()) TallyAdd(file_type, month_.FileTypes, bytes_);
+    note = file_type.empty() ? kNoFileType : month_.FileTypes.Keys().Find(file_type);
   }
 
   void AddClient() {
-    AddUnlessEmpty(agent_, month_.UserAgents);
-    AddUnlessEmpty(record_.method, month_.Methods);
-    AddUnlessEmpty(address_, month_.ClientAddresses);
-    AddUnlessEmpty(referrer_, month_.Referrers);
-    if (record_.timeTaken > 0) {
-      TallyAdd(uri_, month_.UrlResponseTimes, static_cast<float>(record_.timeTaken), true);
+    AddUnlessEmpty(keys_.agent, month_.UserAgents);
+    AddRepeating(record_.method, month_.Methods);
+    AddUnlessEmpty(keys_.address, month_.ClientAddresses);
+    AddUnlessEmpty(keys_.referrer, month_.Referrers);
+    if (record_.timeTaken > 0) AddResponseTime(static_cast<float>(record_.timeTaken));
+  }
+
+  void AddResponseTime(float time_taken) {
+    TallyTable& table = month_.UrlResponseTimes;
+    if (!keys_.uri.FindRow()) return LogTallyNotExtended(record_.uriStem, time_taken, table);
+    if (!table.AddToMeanAt(keys_.uri.row, time_taken)) {
+      LogTallyOverflow(record_.uriStem, time_taken);
     }
   }
 
   void AddStatus() {
-    if (record_.status.empty() || IsSuccessStatus(record_.status)) {
-      AddUnlessEmpty(uri_, month_.SuccessUrls);
+    const std::uint32_t status = StatusClassOfHit();
+    if ((status & kStatusSuccess) != 0) {
+      AddUnlessEmpty(keys_.uri, month_.SuccessUrls);
     } else {
       AddTo(month_.DayFailures[record_.day], 1);
-      if (!IsSuccessOrRedirectStatus(record_.status)) {
-        TallyAdd(uri_, month_.FailedUrls, bytes_);
-        AddUnlessEmpty(referrer_, month_.FailedReferrers);
+      if ((status & kStatusSuccessOrRedirect) == 0) {
+        AddKey(keys_.uri, month_.FailedUrls);
+        AddUnlessEmpty(keys_.referrer, month_.FailedReferrers);
       }
     }
-    AddUnlessEmpty(record_.status, month_.StatusCodes);
+    AddRepeating(record_.status, month_.StatusCodes);
+    if ((status & kStatusFile) != 0) AddFile();
+  }
+
+  // A site knows few statuses, so each is classified once.
+  std::uint32_t StatusClassOfHit() {
+    if (record_.status.empty()) return ClassOf(record_.status);
+    try {
+      const KeyStore::Ref row = month_.StatusKeys.FindOrEnterAgain(record_.status);
+      std::uint32_t& note = month_.StatusKeys.Note(row, kStatusClassNote);
+      if (note == 0) note = ClassOf(record_.status);
+      return note;
+    } catch (const std::bad_alloc&) {
+      return ClassOf(record_.status);
+    }
   }
 
   void AddFile() {
-    if (record_.status != "200") return;
     AddTo(month_.TotalFiles, 1);
     AddTo(month_.DayFiles[record_.day], 1);
     AddTo(month_.HourFiles[record_.hour], 1);
-    if (mdlWebPage::IsPage(record_.uriStem) == 0) return;
+    if (!IsPage()) return;
     AddTo(month_.TotalPages, 1);
     AddTo(month_.DayPages[record_.day], 1);
     AddTo(month_.HourPages[record_.hour], 1);
-    TallyAdd(uri_, month_.Pages, bytes_);
+    AddKey(keys_.uri, month_.Pages);
+  }
+
+  bool IsPage() {
+    enum : std::uint32_t { kNotYet, kOtherFile, kPage };
+    if (!keys_.uri.FindRow()) return mdlWebPage::IsPage(record_.uriStem) == 1;
+    std::uint32_t& note = month_.UriKeys.Note(keys_.uri.row, kPageNote);
+    if (note == kNotYet) note = mdlWebPage::IsPage(record_.uriStem) == 1 ? kPage : kOtherFile;
+    return note == kPage;
   }
 
   void AddQueryAndUser() {
-    if (record_.searchKeywords != kEmptyMark) {
-      AddUnlessEmpty(record_.searchKeywords, month_.Queries);
+    if (record_.searchKeywords != kEmptyMark && !record_.searchKeywords.empty()) {
+      TallyAdd(record_.searchKeywords, month_.Queries, bytes_);
     }
     if (record_.userName == kEmptyMark) record_.userName = "Anonymous";
-    AddUnlessEmpty(record_.userName, month_.UserNames);
+    AddRepeating(record_.userName, month_.UserNames);
+  }
+
+  void AddToVisit() {
+    if (!keys_.address.FindRow() || !keys_.agent.FindRow() || !keys_.uri.FindRow()) {
+      return mdlVisit::ReportTrackingError("Out of memory");
+    }
+    mdlVisit::TrackVisit({keys_.address.row, keys_.agent.row}, TimeInPeriod(), keys_.uri.row,
+                         record_.bytesSent);
   }
 
   // Seconds since the start of day 0. Fits: day and hour have indexed their arrays by now.
@@ -175,19 +276,40 @@ class HitAdder {
     return ((record_.day * 24 + record_.hour) * 60 + record_.minute) * 60 + record_.second;
   }
 
-  void AddUnlessEmpty(const HashedKey& key, TallyTable& table) {
-    if (!key.text.empty()) TallyAdd(key, table, bytes_);
+  void AddKey(HitKey& key, TallyTable& table) {
+    if (!key.FindRow()) return LogTallyNotExtended(key.key.text, bytes_, table);
+    TallyAddAt(key.row, table, bytes_);
+  }
+
+  void AddUnlessEmpty(HitKey& key, TallyTable& table) {
+    if (!key.key.text.empty()) AddKey(key, table);
+  }
+
+  // For tables of few keys that mostly repeat.
+  void AddRepeating(std::string_view text, TallyTable& table) {
+    if (text.empty()) return;
+    try {
+      TallyAddAt(table.Keys().FindOrEnterAgain(text), table, bytes_);
+    } catch (const std::bad_alloc&) {
+      LogTallyNotExtended(text, bytes_, table);
+    }
   }
 
   LogRecord& record_;
-  const HashedKey uri_;
-  const HashedKey agent_;
-  const HashedKey address_;
-  const HashedKey referrer_;
+  HitKeys& keys_;
   const float bytes_;
   MonthStats& month_ = Month();
   bool at_status_ = false;
 };
+
+void AddOneHit(LogRecord& record, HitKeys& keys) {
+  HitAdder hit(record, keys);
+  try {
+    hit.Add();
+  } catch (const stats::Fault& fault) {
+    mdlConfigs::LogWarning("Error adding hit " + hit.Context() + " : " + fault.description());
+  }
+}
 
 }  // namespace
 
@@ -204,13 +326,17 @@ void InitMonth() {
   mdlWebPage::BuildRobotWords();
 }
 
-void AddHit(LogRecord& record) {
-  HitAdder hit(record);
-  try {
-    hit.Add();
-  } catch (const stats::Fault& fault) {
-    mdlConfigs::LogWarning("Error adding hit " + hit.Context() + " : " + fault.description());
-  }
+void AddHit(LogRecord& record) { AddHits({&record, 1}); }
+
+// Three rounds over the hits: their texts are hashed and the buckets of the indexes asked for,
+// then the rows; when the adding begins, the first of them have come. Looking does not enter a
+// key: a hit's rows appear when it is added.
+void AddHits(std::span<LogRecord> records) {
+  static std::vector<HitKeys> keys;
+  keys.clear();
+  for (const LogRecord& record : records) keys.emplace_back(record, Month()).PrefetchBuckets();
+  for (HitKeys& hit_keys : keys) hit_keys.PrefetchRows();
+  for (std::size_t i = 0; i < records.size(); ++i) AddOneHit(records[i], keys[i]);
 }
 
 }  // namespace mdlMonth

@@ -6,7 +6,9 @@
 #define HITWICK_STATS_MDLMONTH_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -33,6 +35,11 @@ class NumberedSums {
 using DayArray = NumberedSums<1, 31>;  // days of the month
 // Hours of the day. Slot 24 takes the hours that a damaged time can yield and is shown nowhere.
 using HourArray = NumberedSums<0, 24>;
+
+// What is kept with a key, so that it is worked out once for each key and month. 0 is "not yet".
+enum UriNote { kFileTypeNote, kPageNote, kVisitRowNote, kUriNotes };
+enum AgentNote { kRobotWordNote, kNoRobotsTxtNote, kAgentNotes };
+enum StatusNote { kStatusClassNote, kStatusNotes };
 
 // Entry and exit pages of visits; metric 1 per visit. Filled when a visit closes.
 struct VisitTables {
@@ -75,21 +82,24 @@ struct MonthStats {
   DayArray DayFailures;  // hits that are no success: redirects too, unlike `FailedUrls`
   HourArray HourBytes, HourHits, HourFiles, HourPages, HourTimeTaken;
 
-  stats::KeyStore UriKeys{4};  // of SuccessUrls, Pages, FailedUrls and UrlResponseTimes
+  stats::KeyStore UriKeys{4, kUriNotes};  // of SuccessUrls, Pages, FailedUrls and UrlResponseTimes
   TallyTable SuccessUrls{UriKeys, 0};
   TallyTable& RobotsTxtAgents;  // agents that fetched /robots.txt; kept from month to month
-  TallyTable UserAgents;
+  stats::KeyStore AgentKeys{1, kAgentNotes};
+  TallyTable UserAgents{AgentKeys, 0};
   TallyTable ClientAddresses;
   TallyTable Methods;
-  TallyTable Referrers;
-  TallyTable StatusCodes;
+  stats::KeyStore ReferrerKeys{2};  // of Referrers and FailedReferrers
+  TallyTable Referrers{ReferrerKeys, 0};
+  stats::KeyStore StatusKeys{1, kStatusNotes};
+  TallyTable StatusCodes{StatusKeys, 0};
   TallyTable Queries;  // search words of referrers
   TallyTable UserNames;
   TallyTable Pages{UriKeys, 1};
-  TallyTable FailedUrls{UriKeys, 3};        // neither success nor redirect
-  TallyTable FailedReferrers;               // likewise
-  TallyTable FileTypes;                     // upper-case extensions
-  TallyTable UrlResponseTimes{UriKeys, 2};  // metric: mean time taken
+  TallyTable FailedUrls{UriKeys, 3};            // neither success nor redirect
+  TallyTable FailedReferrers{ReferrerKeys, 1};  // likewise
+  TallyTable FileTypes;                         // upper-case extensions
+  TallyTable UrlResponseTimes{UriKeys, 2};      // metric: mean time taken
   VisitTables Visits;
   TallyTable Browsers;          // filled by the page writer from UserAgents
   TallyTable OperatingSystems;  // likewise
@@ -109,6 +119,11 @@ void InitMonth();
 // "307", so that a damaged, shorter status ("20", "4") still counts by what it is part of; an
 // empty one is contained in all of them and counts as a success.
 void AddHit(stats::LogRecord& record);
+// Adds several hits, one after the other, at most `kMostHits`. What they will need of the tables
+// is asked for beforehand, so that the waiting for memory overlaps.
+inline constexpr std::size_t kMostHits = 32;
+void AddHits(std::span<stats::LogRecord> records);
+
 bool IsSuccessStatus(std::string_view status);
 bool IsSuccessOrRedirectStatus(std::string_view status);
 

@@ -1,5 +1,6 @@
 #include "stats/mdlVisit.h"
 
+#include <new>
 #include <string>
 
 #include "config/mdlConfigs.h"
@@ -11,7 +12,9 @@
 namespace mdlVisit {
 namespace {
 
+using mdlMonth::TallyTable;
 using stats::AddTo;
+using stats::KeyStore;
 using stats::VisitSlots;
 
 constexpr std::int32_t kTimeoutSeconds = 1210;
@@ -57,27 +60,47 @@ void AddToBothBreakdowns(int row, const stats::Visit& visit, std::int32_t second
   if (!robot) AddToBreakdown(state.non_robot, row, visit.Fetches, seconds);
 }
 
-// Closes the visits below slot `limit` whose last hit lies more than the timeout before `time`.
-// The visitor's own visit is never timed out here, nor any in a higher slot.
-void CloseIdleVisits(std::int32_t limit, std::int32_t time) {
-  for (;;) {
-    const std::int32_t slot = state.slots.FirstIdleSince(time - kTimeoutSeconds);
-    if (slot == VisitSlots::kNoSlot || slot >= limit) return;
-    CloseVisit(static_cast<std::int16_t>(slot));
-  }
+// `mdlWebPage::IsRobot` of an agent's row. Whether a robot's word occurs in it never changes; that
+// it has not fetched /robots.txt holds as long as no further agent has.
+bool IsRobot(KeyStore::Ref agent) {
+  mdlMonth::MonthStats& month = mdlMonth::Month();
+  const std::string_view text = month.AgentKeys.Key(agent);
+  std::uint32_t& word = month.AgentKeys.Note(agent, mdlMonth::kRobotWordNote);
+  if (word == 0) word = mdlWebPage::HasRobotWord(text) ? 2 : 1;
+  if (word == 2) return true;
+  std::uint32_t& looked_at = month.AgentKeys.Note(agent, mdlMonth::kNoRobotsTxtNote);
+  const auto fetchers = static_cast<std::uint32_t>(month.RobotsTxtAgents.Count());
+  if (looked_at == fetchers) return false;
+  if (mdlWebPage::FetchedRobotsTxt(text)) return true;
+  looked_at = fetchers;
+  return false;
 }
 
-std::int32_t OpenVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent,
-                       std::int32_t time, std::string_view uri) {
-  const std::int32_t slot = state.slots.Open(clientIp, userAgent);
+// Adds an entry or exit page. The tables of visits have keys of their own, since few URLs begin or
+// end a visit; the URL's row remembers the one among them.
+void AddVisitPage(KeyStore::Ref uri, TallyTable& all, TallyTable& non_robot, bool robot) {
+  KeyStore& uris = mdlMonth::Month().UriKeys;
+  std::uint32_t& row = uris.Note(uri, mdlMonth::kVisitRowNote);
+  try {
+    if (row == KeyStore::kNone) row = all.Keys().FindOrEnter(uris.Key(uri));
+  } catch (const std::bad_alloc&) {
+    mdlMonth::LogTallyNotExtended(uris.Key(uri), 1, all);
+    if (!robot) mdlMonth::LogTallyNotExtended(uris.Key(uri), 1, non_robot);
+    return;
+  }
+  mdlMonth::TallyAddAt(row, all, 1);
+  if (!robot) mdlMonth::TallyAddAt(row, non_robot, 1);
+}
+
+std::int32_t OpenVisit(stats::Visitor visitor, std::int32_t time, KeyStore::Ref uri) {
+  const std::int32_t slot = state.slots.Open(visitor);
   if (slot == VisitSlots::kNoSlot) stats::ThrowOverflow();
-  stats::Visit& visit = state.slots[slot];
-  visit.EntryUri = uri;
-  visit.StartTime = time;
+  state.slots[slot].EntryUri = uri;
+  state.slots[slot].StartTime = time;
   return slot;
 }
 
-void AddToVisit(std::int32_t slot, std::int32_t time, std::string_view uri, std::int32_t bytes) {
+void AddToVisit(std::int32_t slot, std::int32_t time, KeyStore::Ref uri, std::int32_t bytes) {
   stats::Visit& visit = state.slots[slot];
   AddTo(visit.Fetches, 1);
   AddTo(visit.Bytes, static_cast<float>(bytes));
@@ -99,41 +122,51 @@ void InitVisits() {
   state.tracking_error_reported = false;
 }
 
-void TrackVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent,
-                std::int32_t time, std::string_view uri, std::int32_t bytes) {
+void TrackVisit(stats::Visitor visitor, std::int32_t time, KeyStore::Ref uri, std::int32_t bytes) {
   try {
-    std::int32_t slot = state.slots.Find(clientIp, userAgent);
-    CloseIdleVisits(slot == VisitSlots::kNoSlot ? VisitSlots::kMostSlots : slot, time);
-    if (slot == VisitSlots::kNoSlot) slot = OpenVisit(clientIp, userAgent, time, uri);
+    std::int32_t slot = state.slots.Find(visitor);
+    // The visitor's own visit is never timed out here, nor any in a higher slot.
+    state.slots.CloseIdle(slot == VisitSlots::kNoSlot ? state.slots.Count() : slot,
+                          time - kTimeoutSeconds, CloseVisit);
+    if (slot == VisitSlots::kNoSlot) slot = OpenVisit(visitor, time, uri);
     AddToVisit(slot, time, uri, bytes);
   } catch (const stats::Fault& fault) {
-    if (state.tracking_error_reported) return;
-    state.tracking_error_reported = true;
-    mdlConfigs::LogWarning("Error tracking visit : " + fault.description());
+    ReportTrackingError(fault.description());
+  } catch (const std::bad_alloc&) {
+    ReportTrackingError("Out of memory");
   }
+}
+
+void TrackVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent,
+                std::int32_t time, const stats::HashedKey& uri, std::int32_t bytes) {
+  mdlMonth::MonthStats& month = mdlMonth::Month();
+  TrackVisit(
+      {month.ClientAddresses.Keys().FindOrEnter(clientIp), month.AgentKeys.FindOrEnter(userAgent)},
+      time, month.UriKeys.FindOrEnter(uri), bytes);
+}
+
+void ReportTrackingError(const std::string& description) {
+  if (state.tracking_error_reported) return;
+  state.tracking_error_reported = true;
+  mdlConfigs::LogWarning("Error tracking visit : " + description);
 }
 
 void CloseVisit(std::int16_t slot) {
   const stats::Visit& visit = state.slots[slot];
-  state.slots.Free(slot);
-  std::int32_t seconds = visit.LastTime - visit.StartTime;
+  std::int32_t seconds = state.slots.LastTime(slot) - visit.StartTime;
   if (seconds < 0) seconds += kSecondsOf31Days;
-  const bool robot = mdlWebPage::IsRobot(visit.UserAgent);
+  const bool robot = IsRobot(state.slots.VisitorOf(slot).agent);
+  state.slots.Free(slot);
   AddToBothBreakdowns(0, visit, seconds, robot);
   if (const int band = BandOf(seconds); band != 0) AddToBothBreakdowns(band, visit, seconds, robot);
   mdlMonth::VisitTables& tables = mdlMonth::Month().Visits;
-  const stats::HashedKey entry(visit.EntryUri);
-  const stats::HashedKey exit(visit.ExitUri);
-  mdlMonth::TallyAdd(entry, tables.AllEntry, 1);
-  mdlMonth::TallyAdd(exit, tables.AllExit, 1);
-  if (robot) return;
-  mdlMonth::TallyAdd(entry, tables.NonRobotEntry, 1);
-  mdlMonth::TallyAdd(exit, tables.NonRobotExit, 1);
+  AddVisitPage(visit.EntryUri, tables.AllEntry, tables.NonRobotEntry, robot);
+  AddVisitPage(visit.ExitUri, tables.AllExit, tables.NonRobotExit, robot);
 }
 
 void CloseAllVisits() {
   for (std::int16_t slot = 0; slot < state.slots.Count(); ++slot) {
-    if (state.slots[slot].InUse) CloseVisit(slot);
+    if (state.slots.InUse(slot)) CloseVisit(slot);
   }
 }
 

@@ -9,9 +9,11 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "stats/hashed_key.h"
+#include "stats/visit_slots.h"
 
 namespace mdlVisit {
 
@@ -44,9 +46,14 @@ void InitVisits();
 
 // Adds a hit to its visit, opening one when there is none. `time` is in seconds within the
 // period. Visits in lower slots (all slots, for a new visitor) that have been idle too long are
-// closed on the way.
+// closed on the way. `visitor` and `uri` are rows of the month's addresses, agents and URLs.
+void TrackVisit(stats::Visitor visitor, std::int32_t time, stats::KeyStore::Ref uri,
+                std::int32_t bytes);
+// The same with texts, whose rows are looked for or entered.
 void TrackVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent,
-                std::int32_t time, std::string_view uri, std::int32_t bytes);
+                std::int32_t time, const stats::HashedKey& uri, std::int32_t bytes);
+// Reports an error that kept a hit out of the visits: one warning a month.
+void ReportTrackingError(const std::string& description);
 
 // Ends the visit of a slot in use (0..SlotCount()-1) and accounts it.
 void CloseVisit(std::int16_t slot);

@@ -305,8 +305,14 @@ std::string_view OsOf(std::string_view userAgent) {
 }
 
 bool IsRobot(std::string_view userAgent) {
-  return mdlMonth::Month().RobotsTxtAgents.Contains(userAgent) || robot_words.AnyIn(userAgent);
+  return FetchedRobotsTxt(userAgent) || HasRobotWord(userAgent);
 }
+
+bool FetchedRobotsTxt(std::string_view userAgent) {
+  return mdlMonth::Month().RobotsTxtAgents.Contains(userAgent);
+}
+
+bool HasRobotWord(std::string_view userAgent) { return robot_words.AnyIn(userAgent); }
 
 std::int16_t IsPage(std::string_view uri) {
   bool is_other_file = false;

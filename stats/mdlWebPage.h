@@ -28,6 +28,9 @@ std::string_view OsOf(std::string_view userAgent);
 // True for an agent that fetched /robots.txt in this run (exact comparison) or that contains one
 // of the robot words, letter case ignored.
 bool IsRobot(std::string_view userAgent);
+// The two halves of the test.
+bool FetchedRobotsTxt(std::string_view userAgent);
+bool HasRobotWord(std::string_view userAgent);
 
 // 1 for a page, 0 for another file.
 std::int16_t IsPage(std::string_view uri);

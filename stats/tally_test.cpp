@@ -261,6 +261,21 @@ TEST(TallyTable, ClearForgetsEntries) {
   EXPECT_FALSE(table.Contains("key1"));
 }
 
+TEST(TallyTable, OrderOutlastsItsNumbers) {
+  TallyTable table(50);
+  reference::TallyTable literal;
+  std::mt19937 random(5);
+  for (int i = 0; i < 2000; ++i) {
+    const std::string key = "key" + std::to_string(random() % 30);
+    TallyAdd(key, table, 1);
+    TallyAdd(key, literal, 1, false);
+    ASSERT_EQ(table.Count(), literal.Count());
+    for (std::int32_t rank = 1; rank <= literal.Count(); ++rank) {
+      ASSERT_EQ(table.At(rank).Key, literal.entries[static_cast<std::size_t>(rank)].Key) << i;
+    }
+  }
+}
+
 TEST(TallyTable, ClearedTableCountsFromOneAgain) {
   TallyTable table;
   AddAll(table, "aab");
