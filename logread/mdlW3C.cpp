@@ -144,16 +144,21 @@ void LogFileError(std::string_view what, const std::string& path, int error) {
                          mod_systemInfo::GetErrorText(error));
 }
 
-void ReadLines(logread::LineReader& lines, const PeriodArguments& period) {
+void ReadLine(const PeriodArguments& period) {
   ReadingState& reading = Reading();
-  while (!QuitRequested() && lines.Next(&reading.line)) {
-    if (reading.line.empty()) continue;
-    reading.cursor = 0;
-    if (reading.line.front() == '#') {
-      ReadHeaderLine();
-    } else {
-      ParseRecord(period.firstDay, period.lastDay, period.month, period.year);
-    }
+  if (reading.line.text.empty()) return;
+  reading.cursor = 0;
+  if (reading.line.text.front() == '#') {
+    ReadHeaderLine();
+  } else {
+    ParseRecord(period.firstDay, period.lastDay, period.month, period.year);
+  }
+}
+
+void ReadLines(logread::LineReader& lines, const PeriodArguments& period) {
+  while (!QuitRequested() && lines.NextBlock()) {
+    while (!QuitRequested() && lines.Next(&Reading().line)) ReadLine(period);
+    AddWaitingRecords();
   }
 }
 

@@ -16,37 +16,7 @@ constexpr std::string_view kFieldsDirective = "#Fields:";
 constexpr std::size_t kLastCursor = 32767;  // the cursor is a 16-bit integer
 constexpr std::int32_t kLongestFailureMs = 1200000;
 
-// In the order of `Field`, without `kOther`.
-// One name to a line.
-// clang-format off
-constexpr std::string_view kFieldNames[] = {
-    "date",
-    "time",
-    "c-ip",
-    "cs-method",
-    "cs-uri-stem",
-    "cs-uri-query",
-    "sc-status",
-    "sc-bytes",
-    "cs-bytes",
-    "time-taken",
-    "cs(User-Agent)",
-    "cs(Referer)",
-    "cs-username",
-    "cs-host",
-    "s-computername",
-};
-// clang-format on
-static_assert(std::size(kFieldNames) + 1 == kFieldKinds);
-
 ReadingState reading;
-
-Field FieldOf(std::string_view name) {
-  for (std::size_t i = 0; i < std::size(kFieldNames); ++i) {
-    if (kFieldNames[i] == name) return static_cast<Field>(i);
-  }
-  return Field::kOther;
-}
 
 // The first blank in [from, end), or end. Tokens are short, so eight bytes at a time pay off where
 // a call of memchr does not.
@@ -89,11 +59,52 @@ bool BeginsWith(std::string_view text, std::string_view prefix) {
   return text::EqualsIgnoringCase(text.substr(0, prefix.size()), prefix);
 }
 
-// One line being parsed. The texts that are not part of the line live in buffers that are reused
-// from record to record.
+struct Period {
+  std::int16_t firstDay, lastDay, month, year;
+};
+
+// The numbers of a regular line.
+struct PlainNumbers {
+  int hour = 0;
+  int minute = 0;
+  std::int32_t bytes_sent = 0;
+  std::int32_t bytes_received = 0;
+  std::int32_t time_taken = 0;
+};
+
+// A date as a log writes it, and what it says; logs repeat theirs for a day.
+struct ReadDateText {
+  std::string text;
+  calendar::Date date;
+};
+
+calendar::Date DateOf(std::string_view token) {
+  static ReadDateText latest;
+  if (token != latest.text) {
+    latest.date = {ShortNumber(Piece(token, 0, 4)), ShortNumber(Piece(token, 5, 2)),
+                   ShortNumber(LastTwo(token))};
+    latest.text = token;
+  }
+  return latest.date;
+}
+
+// The date a day before or after; a shift from UTC asks for the same one again and again.
+calendar::Date Neighbour(const calendar::Date& date, int days) {
+  static calendar::Date latest;
+  static int latest_days = 0;
+  static calendar::Date neighbour;
+  if (date != latest || days != latest_days) {
+    neighbour = calendar::AddDays(date, days);
+    latest = date;
+    latest_days = days;
+  }
+  return neighbour;
+}
+
+// One line being parsed into the next record of the batch.
 class RecordReader {
  public:
-  RecordReader(std::int16_t month, std::int16_t year) : period_month_(month), period_year_(year) {
+  explicit RecordReader(const Period& period) : period_(period) {
     record_date_ = reading.file_date;
   }
 
@@ -106,18 +117,48 @@ class RecordReader {
     return true;
   }
 
+  // Reads and inserts the record of a regular line; false, with nothing changed, for any other
+  // line. What could fail is read first, so the order of the columns no longer matters: only the
+  // server's name, which stays even if the record is dropped, may stand on either side of the time.
+  bool InsertRegular() {
+    if (!reading.regular.Fit(reading.line)) return false;
+    PlainNumbers numbers;
+    if (!ReadPlainNumbers(&numbers)) return false;
+    ReadDate(Token(Field::kDate));
+    ShiftTime(numbers.hour, numbers.minute);
+    const bool in_period = InPeriod();
+    if (reading.regular.Has(Field::kComputerName) &&
+        (in_period || reading.regular.PrecedesTime(Field::kComputerName))) {
+      SetServerName(Token(Field::kComputerName));
+    }
+    if (!in_period) return true;
+    record_.bytesSent = numbers.bytes_sent;
+    record_.bytesReceived = numbers.bytes_received;
+    record_.timeTaken = numbers.time_taken;
+    record_.clientAddress = VisitorAddress(Token(Field::kClientIp));
+    record_.method = Token(Field::kMethod);
+    record_.uriStem = Token(Field::kUriStem);
+    record_.status = Token(Field::kStatus);
+    record_.userAgent = Token(Field::kUserAgent);
+    record_.userName = Token(Field::kUserName);
+    ReadReferrer(Token(Field::kReferrer));
+    if (reading.regular.Has(Field::kHost)) ReadHost(Token(Field::kHost));
+    Insert();
+    return true;
+  }
+
   bool skip() const { return skip_; }
 
   // Hands the record over if it is one and its day is in the period.
-  void Insert(std::int16_t firstDay, std::int16_t lastDay) {
+  void Insert() {
     step_ = "(insert)";
     if (record_.timeTaken > kLongestFailureMs && record_.status != "200") record_.timeTaken = 0;
     const bool empty =
         record_.uriStem.empty() && record_.clientAddress.empty() && record_.bytesSent == 0;
-    if (empty || record_date_.day < firstDay || record_date_.day > lastDay) return;
+    if (empty || record_date_.day < period_.firstDay || record_date_.day > period_.lastDay) return;
     record_.month = static_cast<std::int16_t>(record_date_.month);
     record_.day = static_cast<std::int16_t>(record_date_.day);
-    mdlMonth::AddHit(record_);
+    reading.batch.Keep();
   }
 
   // What an error message names: the field being read, or the step after the fields.
@@ -170,7 +211,7 @@ class RecordReader {
         ReadHost(token);
         break;
       case Field::kComputerName:
-        reading.server_name = token;
+        SetServerName(token);
         break;
       case Field::kOther:
         break;
@@ -178,34 +219,45 @@ class RecordReader {
     return true;
   }
 
+  static std::string_view Token(Field field) { return reading.regular.Token(reading.line, field); }
+
+  static bool ReadPlainNumbers(PlainNumbers* numbers) {
+    return ReadPlainTime(Token(Field::kTime), &numbers->hour, &numbers->minute) &&
+           ReadPlainNumber(Token(Field::kBytesSent), &numbers->bytes_sent) &&
+           ReadPlainNumber(Token(Field::kBytesReceived), &numbers->bytes_received) &&
+           ReadPlainNumber(Token(Field::kTimeTaken), &numbers->time_taken);
+  }
+
   // The day also stands in for later records of the file that carry no date.
   void ReadDate(std::string_view token) {
-    record_date_.year = ShortNumber(Piece(token, 0, 4));
-    record_date_.month = ShortNumber(Piece(token, 5, 2));
-    record_date_.day = ShortNumber(LastTwo(token));
+    record_date_ = DateOf(token);
     reading.file_date.day = record_date_.day;
+  }
+
+  void ReadTime(std::string_view token) {
+    ShiftTime(ShortNumber(Piece(token, 0, 2)), ShortNumber(Piece(token, 3, 2)));
   }
 
   // Shifts the time from UTC. The minute stays as it comes out, even below 0 or above 59: only
   // the hour it belongs to is corrected. A date moves by one day at most.
-  void ReadTime(std::string_view token) {
-    int hour = ShortNumber(Piece(token, 0, 2)) - reading.offset_hours;
-    const int minute = ShortNumber(Piece(token, 3, 2)) - reading.offset_minutes;
+  void ShiftTime(int hour, int minute) {
+    hour -= reading.offset_hours;
+    minute -= reading.offset_minutes;
     if (minute < 0) --hour;
     if (minute >= 60) ++hour;
     if (hour < 0) {
       hour += 24;
-      record_date_ = calendar::AddDays(record_date_, -1);
+      record_date_ = Neighbour(record_date_, -1);
     } else if (hour >= 24) {
       hour -= 24;
-      record_date_ = calendar::AddDays(record_date_, 1);
+      record_date_ = Neighbour(record_date_, 1);
     }
     record_.hour = static_cast<std::int16_t>(hour);
     record_.minute = static_cast<std::int16_t>(minute);
   }
 
   bool InPeriod() const {
-    return record_date_.month == period_month_ && record_date_.year == period_year_;
+    return record_date_.month == period_.month && record_date_.year == period_.year;
   }
 
   // The machine's own addresses all count as one.
@@ -219,8 +271,8 @@ class RecordReader {
     Store(Field::kReferrer, token, record_.referrer);
     if (token.size() <= 1) return;
     if (const std::size_t query = token.find('?'); query != text::kNone) {
-      search_words_ = mdlWebPage::ExtractSearchWords(token.substr(query));
-      record_.searchKeywords = search_words_;
+      texts_.search_words = mdlWebPage::ExtractSearchWords(token.substr(query));
+      record_.searchKeywords = texts_.search_words;
       record_.referrer = token.substr(0, query);
       Check(Field::kUriQuery, record_.searchKeywords);
     }
@@ -228,8 +280,12 @@ class RecordReader {
   }
 
   void ReadHost(std::string_view token) {
-    host_label_.assign(" [").append(token).append("] ");
-    record_.hostLabel = host_label_;
+    texts_.host_label.assign(" [").append(token).append("] ");
+    record_.hostLabel = texts_.host_label;
+  }
+
+  static void SetServerName(std::string_view token) {
+    if (reading.server_name != token) reading.server_name = token;
   }
 
   void Store(Field field, std::string_view value, std::string_view& target) {
@@ -245,12 +301,9 @@ class RecordReader {
     skip_ = skip_ || verdict == mdlFilters::Verdict::kSkip;
   }
 
-  static inline std::string search_words_;
-  static inline std::string host_label_;
-
-  const std::int16_t period_month_;
-  const std::int16_t period_year_;
-  stats::LogRecord record_;
+  const Period period_;
+  stats::LogRecord& record_ = reading.batch.Next();
+  RecordTexts& texts_ = reading.batch.Texts();
   calendar::Date record_date_;
   std::string_view step_;
   bool skip_ = false;
@@ -261,14 +314,16 @@ class RecordReader {
 ReadingState& Reading() { return reading; }
 
 void PrepareFilters() {
-  for (std::size_t i = 0; i < std::size(kFieldNames); ++i) {
+  reading.has_rules = false;
+  for (std::size_t i = 0; i < kFieldNames.size(); ++i) {
     reading.rules[i] = mdlFilters::FieldRules(kFieldNames[i]);
+    reading.has_rules = reading.has_rules || !reading.rules[i].empty();
   }
 }
 
 std::string_view NextToken() {
-  const char* const data = reading.line.data();
-  const char* const end = data + reading.line.size();
+  const char* const data = reading.line.text.data();
+  const char* const end = data + reading.line.text.size();
   const char* begin = data + reading.cursor;
   while (begin != end && *begin == ' ') ++begin;
   const char* const stop = FindBlank(begin, end);
@@ -278,28 +333,33 @@ std::string_view NextToken() {
 }
 
 void ReadHeaderLine() {
-  if (!BeginsWith(reading.line, kFieldsDirective)) return;
+  if (!BeginsWith(reading.line.text, kFieldsDirective)) return;
   reading.columns.clear();
   reading.cursor = kFieldsDirective.size();
   try {
-    for (;;) {
-      const std::string_view name = NextToken();
-      if (name.empty()) return;
+    for (std::string_view name = NextToken(); !name.empty(); name = NextToken()) {
       reading.columns.push_back({FieldOf(name), std::string(name)});
     }
   } catch (const stats::Fault&) {
     // The names before the end of the cursor's range form the list.
   }
+  reading.regular = RegularColumns(reading.columns);
 }
 
 void ParseRecord(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                  std::int16_t year) {
-  RecordReader reader(month, year);
+  RecordReader reader({firstDay, lastDay, month, year});
   const bool diagnostic = mdlConfigs::Run().LogTranslations;
+  if (!reading.has_rules && !diagnostic && reader.InsertRegular()) return;
   try {
     if (!reader.ReadFields()) return;
-    if (!reader.skip()) return reader.Insert(firstDay, lastDay);
-    if (diagnostic) mdlConfigs::LogInformation(": Skipping log record because of filter rule");
+    if (!reader.skip()) {
+      reader.Insert();
+      // The messages of a hit stand before those of the next line.
+      if (diagnostic) AddWaitingRecords();
+    } else if (diagnostic) {
+      mdlConfigs::LogInformation(": Skipping log record because of filter rule");
+    }
   } catch (const stats::Fault& fault) {
     if (!diagnostic) return;
     mdlConfigs::LogWarning(std::string("Error processing field ")
@@ -308,5 +368,7 @@ void ParseRecord(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month
                                .append(fault.description()));
   }
 }
+
+void AddWaitingRecords() { reading.batch.Add(); }
 
 }  // namespace mdlW3C

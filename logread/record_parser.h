@@ -13,45 +13,24 @@
 #include <vector>
 
 #include "config/calendar.h"
+#include "logread/field_list.h"
+#include "logread/line_reader.h"
 #include "logread/mdlFilters.h"
+#include "logread/record_batch.h"
 
 namespace mdlW3C {
 
-// The fields that are read. Their log names compare exactly; any other field is skipped.
-enum class Field : std::uint8_t {
-  kDate,
-  kTime,
-  kClientIp,
-  kMethod,
-  kUriStem,
-  kUriQuery,
-  kStatus,
-  kBytesSent,
-  kBytesReceived,
-  kTimeTaken,
-  kUserAgent,
-  kReferrer,
-  kUserName,
-  kHost,
-  kComputerName,
-  kOther
-};
-inline constexpr std::size_t kFieldKinds = static_cast<std::size_t>(Field::kOther) + 1;
-
-// One name of a "#Fields:" line.
-struct Column {
-  Field field;
-  std::string name;
-};
-
 struct ReadingState {
-  std::string_view line;   // without its line end
+  logread::Line line;
   std::size_t cursor = 0;  // where the next token is looked for, 0-based
   calendar::Date file_date;
   std::int16_t offset_hours = 0;    // UTC = local + offset
   std::int16_t offset_minutes = 0;  // carries the same sign
   std::vector<Column> columns;      // of the last "#Fields:" line
+  RegularColumns regular;           // the same for lines that need no general treatment
   std::array<mdlFilters::FieldRules, kFieldKinds> rules;
+  bool has_rules = false;
+  RecordBatch batch;
   std::string server_name;
 };
 
@@ -69,9 +48,12 @@ std::string_view NextToken();
 void ReadHeaderLine();
 
 // Handles any other line: hands the record to the month's statistics unless it lies outside the
-// period, is refused by a filter, is empty or cannot be read.
+// period, is refused by a filter, is empty or cannot be read. Records are handed over in batches.
 void ParseRecord(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                  std::int16_t year);
+
+// Hands over the records that still wait; to be called before the block of their lines goes.
+void AddWaitingRecords();
 
 }  // namespace mdlW3C
 

@@ -1,0 +1,7 @@
+#include "logread/byte_masks.h"
+
+namespace logread {
+
+std::vector<MaskRuns> MaskVersions() { return {MaskRunsPlainly}; }
+
+}  // namespace logread
