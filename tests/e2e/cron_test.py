@@ -18,6 +18,7 @@ import sys
 import time
 import unittest
 
+import frozen_clock
 from sandbox import Sandbox, ini_text
 
 SKIPPED = 77
@@ -76,8 +77,9 @@ class CronTest(unittest.TestCase):
 
     def fire(self, finished):
         """Runs cron over the minute in which it is two o'clock, until `finished` says so."""
-        cron = subprocess.Popen(["faketime", "-f", "@2026-02-03 01:59:56", "cron", "-f"],
-                                env={"PATH": os.environ["PATH"], "TZ": "UTC"},
+        cron = subprocess.Popen(["cron", "-f"],
+                                env={"PATH": os.environ["PATH"], "TZ": "UTC",
+                                     **frozen_clock.running("2026-02-03 01:59:56")},
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                 start_new_session=True)
         try:
@@ -85,7 +87,6 @@ class CronTest(unittest.TestCase):
             while not finished() and time.monotonic() < end:
                 time.sleep(0.2)
         finally:
-            # All of it: faketime itself only waits for cron.
             os.killpg(cron.pid, signal.SIGTERM)
             cron.wait()
         self.assertTrue(finished(), "cron has not run it")
@@ -200,10 +201,11 @@ def in_namespace():
     if os.geteuid() != 0:
         print("not root: no mount namespace")
         return SKIPPED
-    for program in ("cron", "crontab", "faketime", "unshare"):
+    for program in ("cron", "crontab", "unshare"):
         if not shutil.which(program, path=os.environ["PATH"] + ":/usr/sbin:/sbin"):
             print(f"the program {program} is missing")
             return SKIPPED
+    frozen_clock.require()
     unshare = ["unshare", "--mount", "--propagation", "private"]
     if subprocess.run(unshare + ["true"], stderr=subprocess.DEVNULL, check=False).returncode != 0:
         print("no mount namespace allowed here")

@@ -16,6 +16,7 @@ import subprocess
 import time
 import unittest
 
+import frozen_clock
 from sandbox import Sandbox, take_program
 
 PROGRAM = ""
@@ -149,10 +150,10 @@ class EndlessLineTest(ProgramTest):
     def peak_kbytes(self):
         """Runs the program and returns its peak memory."""
         env = self.box.environment()
-        env.update(FAKETIME_FMT="%s")
-        process = subprocess.Popen(["faketime", "-f", str(NOON), PROGRAM, "/BATCH", "/D",
-                                    "/SITE=web1"], env=env, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        env.update(frozen_clock.environment(NOON))
+        process = subprocess.Popen([PROGRAM, "/BATCH", "/D", "/SITE=web1"], env=env,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
         _, status, usage = os.wait4(process.pid, 0)
         process.returncode = os.waitstatus_to_exitcode(status)
         self.assertEqual(process.returncode, 0)

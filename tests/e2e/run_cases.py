@@ -14,10 +14,10 @@ import argparse
 import difflib
 import os
 import re
-import shutil
 import subprocess
 import sys
 
+import frozen_clock
 from golden import Case, case_names
 from oracle.basics import escape
 from sandbox import Sandbox, host_name, loopback_name
@@ -123,9 +123,7 @@ def main():
     if not options.update and not options.oracle:
         if not options.program:
             parser.error("--program, --update or --oracle is needed")
-        if not shutil.which("faketime"):
-            print("run_cases.py needs the program faketime (Debian package faketime)")
-            return 1
+        frozen_clock.require()
         options.program = os.path.abspath(options.program)
         version = version_of(options.program)
     failed, names = [], options.case or case_names()

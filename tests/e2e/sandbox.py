@@ -9,6 +9,8 @@ import subprocess
 import sys
 import tempfile
 
+import frozen_clock
+
 SITE_VALUES = {"IISLogDir": "@ROOT@/logs", "UsageDir": "@ROOT@/usage"}
 
 
@@ -20,8 +22,7 @@ def take_program(usage):
         sys.exit(usage)
     at = arguments.index("--program")
     sys.argv[1:] = arguments[:at] + arguments[at + 2:]
-    if not shutil.which("faketime"):
-        sys.exit(sys.argv[0] + " needs the program faketime (Debian package faketime)")
+    frozen_clock.require()
     return os.path.abspath(arguments[at + 1])
 
 
@@ -111,11 +112,8 @@ class Sandbox:
             wrapper=(), **options):
         """Runs the program, with the clock frozen at `epoch` when one is given."""
         env = self.environment(zone, extra)
-        command = list(wrapper) + [program] + list(arguments)
-        if epoch is not None:
-            # Waiting goes on: only the date stands still.
-            env.update(FAKETIME_FMT="%s", FAKETIME_DONT_FAKE_MONOTONIC="1")
-            command = ["faketime", "-f", str(epoch)] + command
+        clock = [] if epoch is None else frozen_clock.prefix(epoch)
+        command = [*wrapper, *clock, program, *arguments]
         return subprocess.run(command, env=env, cwd=self.root, timeout=timeout,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, check=False, **options)

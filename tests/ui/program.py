@@ -1,6 +1,5 @@
 """The real program on the private desktop: its start, its windows and boxes, its end."""
 
-import functools
 import json
 import os
 import re
@@ -13,6 +12,7 @@ import session
 from controls import BOXES, INPUTS, LISTS, WINDOWS, Control, wait
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "e2e"))
+import frozen_clock  # noqa: E402
 from sandbox import Sandbox  # noqa: E402
 
 NOON = 1768478400  # 2026-01-15 12:00 UTC
@@ -130,25 +130,6 @@ class Desk(Sandbox):
                 self.add_log("u_ex%02d%02d%02d.log" % (year, month, day), records)
 
 
-@functools.lru_cache(maxsize=None)
-def clock_library():
-    """What `faketime` preloads. It fails where a process of the same number left its memory."""
-    def asked():
-        done = subprocess.run(["faketime", "2026-01-15", "printenv", "LD_PRELOAD"], check=False,
-                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.DEVNULL)
-        return done.stdout.decode().strip() if done.returncode == 0 else None
-    return session.poll(asked, "faketime")
-
-
-def frozen_clock(epoch):
-    """The environment of a program whose clock stands still. `faketime` itself would stay between
-    this process and the program."""
-    return {"LD_PRELOAD": clock_library(), "FAKETIME": str(epoch), "FAKETIME_FMT": "%s",
-            # Only the calendar stops, not the timers of the windows.
-            "FAKETIME_DONT_FAKE_MONOTONIC": "1", "DONT_FAKE_MONOTONIC": "1"}
-
-
 class Box:
     """A message box: its text, its title, its buttons."""
 
@@ -191,7 +172,7 @@ class Program:
         if scale != 1:
             env["GDK_SCALE"] = str(scale)
         if epoch is not None:
-            env.update(frozen_clock(epoch))
+            env.update(frozen_clock.environment(epoch))
         command = [*wrapper, path, *arguments]
         self._errors = os.path.join(desk.root, "stderr")
         with open(self._errors, "ab") as log:

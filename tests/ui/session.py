@@ -18,7 +18,7 @@ import time
 # How long anything may take, in seconds; a busy machine under the sanitizers is slow.
 LIMIT = float(os.environ.get("HITWICK_UI_LIMIT", "60"))
 SCREEN = (2400, 1800)
-PROGRAMS = ("Xvfb", "openbox", "dbus-daemon", "xdotool", "faketime", "import")
+PROGRAMS = ("Xvfb", "openbox", "dbus-daemon", "xdotool", "import")
 PR_SET_PDEATHSIG = 1
 
 _processes = []

@@ -19,13 +19,13 @@ import tempfile
 import unittest
 
 import program_file
-from wine import Wine, run, windows_path
 
 sys.path.insert(1, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "e2e"))
 
 from golden import Case, case_names  # noqa: E402
 from run_cases import compare_files, filled_in, version_of  # noqa: E402
 from sandbox import SITE_VALUES, Sandbox, ini_text  # noqa: E402
+from wine import Wine, run, windows_path  # noqa: E402
 
 # Parts of Windows itself; anything else would have to be shipped with the program.
 SYSTEM_LIBRARIES = {"ADVAPI32", "COMCTL32", "COMDLG32", "GDI32", "KERNEL32", "MSVCRT", "NETAPI32",

@@ -6,6 +6,8 @@ import re
 import subprocess
 import tempfile
 
+import frozen_clock
+
 # The settings branch: what `reg` calls it, and what an imported file calls it.
 BRANCH = r"HKCU\Software\VB and VBA Program Settings\Hitwick"
 IMPORTED_BRANCH = BRANCH.replace("HKCU", "HKEY_CURRENT_USER", 1)
@@ -18,9 +20,8 @@ def run(command, environment, epoch=None):
     environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8",
                    "RES_OPTIONS": "timeout:1 attempts:1", **environment}
     if epoch is not None:
-        # Waiting has to go on, and files keep their own times, or Wine believes itself outdated.
-        environment.update(FAKETIME_FMT="%s", FAKETIME_DONT_FAKE_MONOTONIC="1", NO_FAKE_STAT="1")
-        command = ["faketime", "-f", str(epoch), *command]
+        # Files keep their own times, or Wine believes itself outdated.
+        environment.update(frozen_clock.environment(epoch), NO_FAKE_STAT="1")
     result = subprocess.run([str(part) for part in command], env=environment,
                             timeout=TIMEOUT_SECONDS, stdin=subprocess.DEVNULL,
                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
