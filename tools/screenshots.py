@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Takes pictures of every window and box on a screen of its own.
 
-    screenshots.py BUILD_FOLDER PICTURE_FOLDER [--scale 2] [--theme Adwaita:dark] [--only NAME...]
+    screenshots.py BUILD_FOLDER PICTURE_FOLDER [--scale 2] [--theme Adwaita:dark]
+                   [--suffix=-dark] [--only NAME...]
 
 Needs Xvfb, openbox, xdotool and ImageMagick. Settings, logs and pages live in a temporary folder.
 """
@@ -168,8 +169,8 @@ def shoot(desk, pictures, suffix, scale, wanted):
     desk.key("Escape")
     desk.window(main)
     desk.key("alt+c")
-    time.sleep(0.8)
-    take(main, "run")
+    with contextlib.suppress(subprocess.CalledProcessError, RuntimeError):
+        take(main, "run")  # it may be over before the picture is taken
     program.wait(120)
 
     program = desk.spawn(str(desk.build / "hitwick"), "/L")
