@@ -43,7 +43,7 @@ class RepeatTest(UiTest):
         program.window()
 
     def test_windows(self):
-        program = self.open()
+        program = self.open(epoch=None)
         self.one_round(program)
         before = self.descriptors(program)
         for _ in range(TIMES - 1):
@@ -55,7 +55,7 @@ class RepeatTest(UiTest):
     def test_site_selection(self):
         self.desk.configure("INI")
         for _ in range(max(1, TIMES // 5)):
-            program = self.start("/L")
+            program = self.start("/L", epoch=None)
             program.window(expected.SITE)
             controls.key("Escape")
             program.window()
