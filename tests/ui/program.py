@@ -19,6 +19,7 @@ NOON = 1768478400  # 2026-01-15 12:00 UTC
 HEADER = "#Fields: date time c-ip cs-method cs-uri-stem sc-status sc-bytes cs(User-Agent)\n"
 CONFIGURATION = "Hitwick - Configuration"
 SANITIZED = os.environ.get("HITWICK_BUILD") == "asan"
+CLOCK_ABORT = "The futex facility returned an unexpected error code."
 # Root is bound by permissions as well without these.
 BOUND_BY_PERMISSIONS = ("setpriv", "--bounding-set=-dac_override,-dac_read_search",
                         "--inh-caps=-dac_override,-dac_read_search")
@@ -314,6 +315,10 @@ class Program:
         except subprocess.TimeoutExpired:
             raise AssertionError("the program did not end; windows: %r, boxes: %r" % (
                 self.titles(), [Box(self, alert).text for alert in self.boxes()])) from None
+        # Under the sanitizers the preloaded clock aborts after the program's own end, and with it
+        # goes the exit code; the release build's tests are those that see it.
+        if SANITIZED and code == -signal.SIGABRT and self.errors().strip() == CLOCK_ABORT:
+            return 0
         return code
 
     def quit(self):
