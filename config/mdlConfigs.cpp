@@ -1,5 +1,8 @@
 #include "config/mdlConfigs.h"
 
+#include <initializer_list>
+#include <utility>
+
 #include "config/mdlRegistry.h"
 #include "config/program.h"
 #include "config/text.h"
@@ -8,6 +11,7 @@
 #include "platform/file_system.h"
 #include "platform/message_box.h"
 #include "platform/mod_systemInfo.h"
+#include "platform/settings_store.h"
 
 namespace mdlConfigs {
 namespace {
@@ -31,10 +35,11 @@ bool HasLogFiles(const std::string& folder) {
          !files.ListFiles(folder, "u_ex", ".log").empty();
 }
 
+std::string SiteKeyPath() { return std::string(platform::kSettingsBranch) + "\\" + Run().SiteName; }
+
 // Where the administrator finds a setting of the site in use.
 std::string RegistryPath(std::string_view value_name) {
-  return "'My Computer\\HKEY_CURRENT_USER\\" + std::string(platform::kSettingsBranch) + "\\" +
-         Run().SiteName + "\\" + std::string(value_name) + "'";
+  return "'My Computer\\HKEY_CURRENT_USER\\" + SiteKeyPath() + "\\" + std::string(value_name) + "'";
 }
 
 std::string WrongFolderHint(std::string_view value_name) {
@@ -52,11 +57,12 @@ std::string ReadSetting(std::string_view name, const std::string& fallback) {
 
 bool ReadFlag(std::string_view name) { return ReadSetting(name, "False") == "True"; }
 
-void SaveSetting(const std::string& name, const std::string& value) {
+// False when the store refused the value.
+bool SaveSetting(const std::string& name, const std::string& value) {
   const std::int32_t result = mdlRegistry::SaveSetting(Run().SiteName, name, value);
-  if (result != platform::kStoreSuccess) {
-    LogWarning(": Unable to store setting " + RegistryPath(name) + " : " + std::to_string(result));
-  }
+  if (result == platform::kStoreSuccess) return true;
+  LogWarning(": Unable to store setting " + RegistryPath(name) + " : " + std::to_string(result));
+  return false;
 }
 
 std::string FlagText(bool flag) { return flag ? "True" : "False"; }
@@ -90,7 +96,7 @@ bool LoadLogFolder() {
   if (settings.LogFormat != kW3C || !HasLogFiles(settings.LogDir)) {
     const std::string message = NoLogFilesText(settings.LogDir);
     LogWarning(": " + message);
-    TellUser(message);
+    TellUser(message, platform::TheSettingsStore().PlaceOf(SiteKeyPath()));
     return false;
   }
   SaveSetting("IISLogDir", settings.LogDir);
@@ -105,7 +111,7 @@ bool LoadUsageFolder() {
     const std::string message = settings.UsageDir + " must be a writeable pre-existing directory." +
                                 WrongFolderHint("UsageDir");
     LogWarning(": " + message);
-    TellUser(message);
+    TellUser(message, platform::TheSettingsStore().PlaceOf(SiteKeyPath()));
     return false;
   }
   SaveSetting("UsageDir", settings.UsageDir);
@@ -157,6 +163,10 @@ void TellUser(std::string_view text) {
   if (!Run().BatchMode) platform::TheMessageBoxes().Show(text);
 }
 
+void TellUser(std::string_view text, const std::string& place) {
+  TellUser(place.empty() ? std::string(text) : std::string(text) + "\n" + place);
+}
+
 void ShowStatus(const std::string& text) {
   if (!Run().BatchMode && Run().Ui.show_status) Run().Ui.show_status(text);
 }
@@ -194,14 +204,18 @@ void ReadSettingsUnchecked() {
 std::int16_t SaveSiteSettings() {
   if (!CheckLogFolderForSaving() || !CheckUsageFolderForSaving()) return 1;
   const SiteSettings& settings = Run().Settings;
-  SaveSetting("IISLogFormat", settings.LogFormat);
-  SaveSetting("IISLogDir", settings.LogDir);
-  SaveSetting("UsageDir", settings.UsageDir);
-  SaveSetting("MaxListSize", std::to_string(settings.MaxListSize));
-  SaveSetting("UseUTC", FlagText(settings.UseUTC));
-  SaveSetting("ShowUsernames", FlagText(settings.ShowUsernames));
-  SaveSetting("GenerateCSV", FlagText(settings.GenerateCSV));
-  return 0;
+  bool stored = true;
+  for (const auto& [name, value] : std::initializer_list<std::pair<const char*, std::string>>{
+           {"IISLogFormat", settings.LogFormat},
+           {"IISLogDir", settings.LogDir},
+           {"UsageDir", settings.UsageDir},
+           {"MaxListSize", std::to_string(settings.MaxListSize)},
+           {"UseUTC", FlagText(settings.UseUTC)},
+           {"ShowUsernames", FlagText(settings.ShowUsernames)},
+           {"GenerateCSV", FlagText(settings.GenerateCSV)}}) {
+    stored &= SaveSetting(name, value);
+  }
+  return stored ? 0 : 1;
 }
 
 }  // namespace mdlConfigs

@@ -62,6 +62,9 @@ inline void LogWarning(std::string_view text) { LogEntry(platform::EventLevel::k
 // Shows a message box unless in batch mode. The way to a box for everything that also runs in batch
 // mode; a question, and what only a window can cause, goes to `platform::TheMessageBoxes` itself.
 void TellUser(std::string_view text);
+// The same for a text that names a key of the registry, with a line more that says where it is
+// when it is elsewhere: `place` as the settings store words it.
+void TellUser(std::string_view text, const std::string& place);
 // Shows the current activity in the configuration window's label unless in batch mode.
 void ShowStatus(const std::string& text);
 
@@ -79,7 +82,8 @@ std::int16_t LoadSiteSettings(const std::function<void(const std::string& site)>
 void ReadSettingsUnchecked();
 
 // Checks `Run().Settings` and stores all seven values. Returns 0 when saved; 1, with nothing
-// stored, when the log folder holds no logs or the usage folder does not exist.
+// stored, when the log folder holds no logs or the usage folder does not exist; 1 as well when the
+// store refused a value (logged), the others being stored.
 std::int16_t SaveSiteSettings();
 
 }  // namespace mdlConfigs

@@ -402,6 +402,33 @@ TEST_F(SaveSiteSettings, FailuresShowNoBoxInABatchRun) {
   EXPECT_TRUE(boxes_.shown.empty());
 }
 
+TEST_F(SaveSiteSettings, ValueThatTheStoreRefusesIsNotSaved) {
+  for (const char* name : {"IISLogFormat", "UseUTC", "GenerateCSV"}) {
+    store_.StopFailing();
+    store_.Fail({fakes::FakeSettingsStore::Operation::kSetValue, 5, name});
+    log_.Clear();
+    EXPECT_EQ(mdlConfigs::SaveSiteSettings(), 1) << name;
+    EXPECT_EQ(log_.CountWith("Unable to store setting"), 1);
+  }
+  EXPECT_EQ(store_.Get("web1", "MaxListSize"), "42") << "the others are stored";
+}
+
+// Where the store is not the registry that the messages name, a box says where it is.
+TEST_F(LoadSiteSettings, BoxesThatNameTheRegistrySayWhereItIs) {
+  PutGoodSite();
+  store_.place = "That is ";
+  const std::string place = "\nThat is " + std::string(platform::kSettingsBranch) + "\\web1";
+  store_.Put("web1", "UsageDir", "missing");
+  Load();
+  ASSERT_EQ(boxes_.shown.size(), 1U);
+  EXPECT_TRUE(boxes_.shown[0].ends_with("\\UsageDir'." + place)) << boxes_.shown[0];
+  store_.Put("web1", "IISLogDir", "empty");
+  Load();
+  ASSERT_EQ(boxes_.shown.size(), 2U);
+  EXPECT_EQ(boxes_.shown[1], NoLogsText("empty", "web1") + place);
+  EXPECT_EQ(log_.CountWith("That is"), 0);
+}
+
 TEST_F(Messages, EntriesBeginWithTheTitle) {
   mdlConfigs::LogInformation(": note");
   mdlConfigs::LogWarning("Error : text");

@@ -34,10 +34,25 @@ void ReportFailure(const std::string& text, std::int32_t code) {
   mdlConfigs::TellUser(text + "\n" + number);
 }
 
+// The same for a text that names the registry; `place` is where the store keeps the key.
+void ReportKeyFailure(const std::string& text, const std::string& place, std::int32_t code) {
+  const std::string number = std::to_string(code);
+  mdlConfigs::LogWarning(" : " + text + " : " + number);
+  mdlConfigs::TellUser(text + "\n" + number, place);
+}
+
+std::string UnreadableText(const std::string& path) {
+  return "Unable to read from registry : " + path;
+}
+
+void TellOfUnreadable(const std::string& path, std::int32_t code) {
+  mdlConfigs::TellUser(UnreadableText(path) + "\nError code : " + std::to_string(code),
+                       TheSettingsStore().PlaceOf(path));
+}
+
 void ReportUnreadable(const std::string& path, std::int32_t code) {
-  const std::string text = "Unable to read from registry : " + path;
-  mdlConfigs::LogWarning(" : " + text + " : " + std::to_string(code));
-  mdlConfigs::TellUser(text + "\nError code : " + std::to_string(code));
+  mdlConfigs::LogWarning(" : " + UnreadableText(path) + " : " + std::to_string(code));
+  TellOfUnreadable(path, code);
 }
 
 // Enters a failure with a single value; the box has the error code as well.
@@ -201,7 +216,9 @@ std::int32_t CreateKey(const std::string& branch, const std::string& name) {
   const std::int32_t result = TheSettingsStore().CreateKey(KeyPath(branch, name), &key);
   const OpenedKey created(result, key);
   if (result != kStoreSuccess) {
-    ReportFailure("Unable to create key in registry : " + KeyPath(branch, name), result);
+    const std::string path = KeyPath(branch, name);
+    ReportKeyFailure("Unable to create key in registry : " + path, TheSettingsStore().PlaceOf(path),
+                     result);
   }
   return result;
 }
@@ -209,7 +226,8 @@ std::int32_t CreateKey(const std::string& branch, const std::string& name) {
 void SetStringValue(Key key, const std::string& name, std::string_view value) {
   const std::int32_t result = TheSettingsStore().SetValue(key, name, value);
   if (result != kStoreSuccess) {
-    ReportFailure("Unable to write to registry : " + name, result);
+    ReportKeyFailure("Unable to write to registry : " + name, TheSettingsStore().PlaceOf(key),
+                     result);
   }
 }
 
@@ -254,7 +272,7 @@ std::int32_t DeleteSiteValues(const std::string& branch, const std::string& name
         "Error removing configuration values from registry : RegOpenKeyEx(" + path + ")";
     const std::string code = std::to_string(opened.result());
     mdlConfigs::LogWarning(" :  " + text + " : " + code);
-    mdlConfigs::TellUser(text + "\n" + code);
+    mdlConfigs::TellUser(text + "\n" + code, TheSettingsStore().PlaceOf(path));
     return opened.result();
   }
   std::uint32_t subkeys = 0;
@@ -273,9 +291,9 @@ std::int32_t DeleteSiteKey(const std::string& branch, const std::string& name) {
   const OpenedKey opened = Open(branch);
   if (!opened) {
     if (!Failed(opened.result())) return kStoreSuccess;
-    ReportFailure(
+    ReportKeyFailure(
         "Error removing branch configuration from registry : RegOpenKeyEx(" + branch + ")",
-        opened.result());
+        TheSettingsStore().PlaceOf(branch), opened.result());
     return opened.result();
   }
   std::int32_t last_error = DeleteSiteValues(branch, name);
@@ -311,15 +329,15 @@ std::vector<std::string> SiteNames() {
   const OpenedKey opened = Open(branch);
   if (!opened) {
     mdlConfigs::TellUser("Error in reading site configuration from registry : RegOpenKeyEx(" +
-                         branch + ")\n" + std::to_string(opened.result()));
+                             branch + ")\n" + std::to_string(opened.result()),
+                         TheSettingsStore().PlaceOf(branch));
     return {};
   }
   std::uint32_t subkeys = 0;
   std::uint32_t values = 0;
   const std::int32_t result = TheSettingsStore().QueryInfo(opened.key(), &subkeys, &values);
   if (result != kStoreSuccess) {
-    mdlConfigs::TellUser("Unable to read from registry : " + branch +
-                         "\nError code : " + std::to_string(result));
+    TellOfUnreadable(branch, result);
     return {};
   }
   return SubkeyNames(opened.key());

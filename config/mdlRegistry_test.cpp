@@ -120,6 +120,31 @@ TEST_F(SetStringValueTest, AFailureIsToldWithItsCode) {
   EXPECT_EQ(boxes_.shown, List{"Unable to write to registry : pattern\n5"});
 }
 
+// Where the store is not the registry that the messages name, a box says where it is.
+TEST_F(RegistryTest, BoxesThatNameTheRegistrySayWhereItIs) {
+  store_.PutKey("web1");
+  store_.place = "That is ";
+  const std::string branch = "\nThat is " + kBranch;
+  const std::string site = branch + "\\web1";
+  Fail(Operation::kCreateKey, 5);
+  mdlRegistry::CreateKey(kBranch, "web1");
+  Fail(Operation::kSetValue, 5);
+  mdlRegistry::SetStringValue(mdlRegistry::OpenKey(kBranch, "web1").key(), "pattern", "*");
+  Fail(Operation::kQueryInfo, 1016);
+  mdlRegistry::DeleteSiteValues(kBranch, "web1");
+  mdlRegistry::SiteNames();
+  Fail(Operation::kOpenKey, 5);
+  mdlRegistry::ReadSetting("web1", "UsageDir", "");
+  mdlRegistry::DeleteSiteValues(kBranch, "web1");
+  mdlRegistry::DeleteSiteKey(kBranch, "web1");
+  mdlRegistry::SiteNames();
+  const List places = {site, site, site, branch, site, site, branch, branch};
+  ASSERT_EQ(boxes_.shown.size(), places.size());
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    EXPECT_TRUE(boxes_.shown[i].ends_with(places[i])) << boxes_.shown[i];
+  }
+}
+
 using GetStringValueTest = RegistryTest;
 
 TEST_F(GetStringValueTest, ReadsAValueByItsName) {

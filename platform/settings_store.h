@@ -47,6 +47,11 @@ class SettingsStore {
   // Closes an open key; 0 is ignored.
   virtual void CloseKey(Key key) = 0;
 
+  // Where a person finds the key at `path` (as above) when messages name the registry and the store
+  // is another one: a line for a box, naming file and section. Empty on Windows.
+  virtual std::string PlaceOf(const std::string& path) = 0;
+  virtual std::string PlaceOf(Key key) = 0;  // of an open key
+
   // The numbers of subkeys and of values directly below an open key.
   virtual Result QueryInfo(Key key, std::uint32_t* subkeys, std::uint32_t* values) = 0;
   // Subkey number `index` (0-based); kStoreNoMoreItems past the last one.

@@ -154,6 +154,16 @@ class SettingsIni : public SettingsStore {
 
   void CloseKey(Key key) override { open_.erase(key); }
 
+  std::string PlaceOf(const std::string& path) override {
+    std::string below;
+    return BelowBranch(path, &below) != kStoreNotFound ? PlaceBelowBranch(below) : std::string();
+  }
+
+  std::string PlaceOf(Key key) override {
+    const auto open = open_.find(key);
+    return open != open_.end() ? PlaceBelowBranch(open->second) : std::string();
+  }
+
   Result QueryInfo(Key key, std::uint32_t* subkeys, std::uint32_t* values) override {
     std::string path;
     if (const Result result = LoadKey(key, &path)) return result;
@@ -233,15 +243,25 @@ class SettingsIni : public SettingsStore {
     return last_key_;
   }
 
+  static std::string PlaceBelowBranch(const std::string& path) {
+    return "On this system that is " + (path.empty() ? "" : "section [" + path + "] of ") +
+           FilePath();
+  }
+
+  // Empty when the user has no folder for it.
+  static std::string FilePath() {
+    const std::string config_folder = UserFolder("XDG_CONFIG_HOME", ".config");
+    return config_folder.empty() ? std::string() : config_folder + "/hitwick/settings.ini";
+  }
+
   // The branch exists as soon as its file does.
   bool Exists(const std::string& path) const { return stamp_.exists && file_.HasKey(path); }
 
   // Brings `file_` up to date with the file, which is read again when it is another one than last
   // time. A missing file is an empty one.
   Result Load() {
-    const std::string config_folder = UserFolder("XDG_CONFIG_HOME", ".config");
-    if (config_folder.empty()) return kRegistryIoFailed;
-    const std::string path = config_folder + "/hitwick/settings.ini";
+    const std::string path = FilePath();
+    if (path.empty()) return kRegistryIoFailed;
     const FileStamp stamp = StampOf(path);
     if (loaded_ && path == path_ && SameStamp(stamp, stamp_)) return kStoreSuccess;
     return Read(path, stamp);

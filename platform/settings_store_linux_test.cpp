@@ -273,6 +273,18 @@ TEST_F(SettingsIniTest, AFolderThatTakesNoFileIsAnError) {
   EXPECT_EQ(fakes::ReadFile(folder_ / "config/hitwick"), "a file where the folder should be");
 }
 
+TEST_F(SettingsIniTest, TellsWhereAKeyOfTheRegistryIs) {
+  EXPECT_EQ(TheSettingsStore().PlaceOf(kBranch + "\\web1\\Filters"),
+            "On this system that is section [web1\\Filters] of " + ini_);
+  EXPECT_EQ(TheSettingsStore().PlaceOf(kBranch), "On this system that is " + ini_);
+  EXPECT_EQ(TheSettingsStore().PlaceOf("Software\\Other"), "");
+  Key key = 0;
+  ASSERT_EQ(TheSettingsStore().CreateKey(kBranch + "\\web1", &key), kStoreSuccess);
+  EXPECT_EQ(TheSettingsStore().PlaceOf(key), "On this system that is section [web1] of " + ini_);
+  TheSettingsStore().CloseKey(key);
+  EXPECT_EQ(TheSettingsStore().PlaceOf(key), "");
+}
+
 TEST_F(SettingsIniTest, AReadOnlyFolderIsAccessDenied) {
   WriteIni("[web1]\nx=1\n");
   chmod((folder_ / "config/hitwick").c_str(), 0555);

@@ -92,6 +92,9 @@ class Registry : public SettingsStore {
     if (key != 0) RegCloseKey(Handle(key));
   }
 
+  std::string PlaceOf(const std::string& /*path*/) override { return {}; }
+  std::string PlaceOf(Key /*key*/) override { return {}; }
+
   Result QueryInfo(Key key, std::uint32_t* subkeys, std::uint32_t* values) override {
     DWORD subkey_count = 0;
     DWORD value_count = 0;

@@ -93,6 +93,13 @@ class FakeSettingsStore : public platform::SettingsStore {
 
   void CloseKey(Key key) override { open_.erase(key); }
 
+  // Empty unless the test says where the store is.
+  std::string PlaceOf(const std::string& path) override {
+    return place.empty() ? place : place + path;
+  }
+  std::string PlaceOf(Key key) override { return PlaceOf(PathOf(key)); }
+  std::string place;
+
   Result QueryInfo(Key key, std::uint32_t* subkeys, std::uint32_t* values) override {
     Node* node = nullptr;
     if (const Result code = Begin(Operation::kQueryInfo, key, PathOf(key), &node)) return code;
