@@ -1,7 +1,7 @@
 #include "app/run_driver.h"
 
-#include <memory>
 #include <string>
+#include <string_view>
 
 #include "config/mdlConfigs.h"
 #include "logread/mdlW3C.h"
@@ -15,44 +15,44 @@
 namespace mdlConfigs {
 namespace {
 
-bool all_pages_written = true;
+bool all_written = true;
 std::string last_page_written;
 
-// A page being replaced: what was written is put in place even when an error cut it short; the
-// old page stands when the new one cannot be stored in full.
-class PageFile {
- public:
-  explicit PageFile(std::string path) : path_(std::move(path)) {
-    last_page_written.clear();
-    int error = 0;
-    output_ = platform::TheFileSystem().CreateOutput(path_, &error);
-    if (!output_) Fail(mod_systemInfo::GetErrorText(error));
+void ReportFailedPage(const std::string& path, const std::string& reason) {
+  all_written = false;
+  LogWarning("Error generating usage report " + path + " : " + reason);
+}
+
+// Puts a finished page in place; a page that an error cut short, too, for which `failure` is the
+// reason and otherwise empty. The first failure is the one that is reported. 0, or 1.
+std::int16_t StorePage(const std::string& path, const std::string& page, std::string failure) {
+  const int error = platform::TheFileSystem().ReplaceFile(path, page);
+  if (failure.empty() && error != 0) failure = mod_systemInfo::GetErrorText(error);
+  last_page_written = failure.empty() ? path : std::string();
+  if (failure.empty()) return 0;
+  ReportFailedPage(path, failure);
+  return 1;
+}
+
+// The base name of a month's page.
+std::string ReportName(int month) {
+  return Run().OnDemandMode ? Run().ReportName : report::MonthPageName(month);
+}
+
+bool IsFileOfReport(std::string_view name, const std::string& report) {
+  return name == report + ".htm" || (name.starts_with(report + "-") && name.ends_with(".csv"));
+}
+
+// The files that runs of this kind write into the usage folder.
+bool IsOwnFile(std::string_view name) {
+  for (const char* file : {"History.txt", "History.old", "Annual.csv", "index.htm"}) {
+    if (name == file) return true;
   }
-
-  bool is_open() const { return output_ != nullptr; }
-
-  void Store(const std::string& page) {
-    int error = output_->Append(page);
-    if (error == 0) error = output_->Commit();
-    if (error != 0) Fail(mod_systemInfo::GetErrorText(error));
-    if (!failed_) last_page_written = path_;
+  for (int month = 1; month <= 12; ++month) {
+    if (IsFileOfReport(name, ReportName(month))) return true;
   }
-
-  // The first failure is the one that is reported.
-  void Fail(const std::string& reason) {
-    if (failed_) return;
-    failed_ = true;
-    all_pages_written = false;
-    LogWarning("Error generating usage report " + path_ + " : " + reason);
-  }
-
-  std::int16_t status() const { return failed_ ? 1 : 0; }
-
- private:
-  const std::string path_;
-  std::unique_ptr<platform::OutputFile> output_;
-  bool failed_ = false;
-};
+  return false;
+}
 
 void ReportMonth(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                  std::int16_t year) {
@@ -73,6 +73,7 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
   LogInformation(": Logfiles will be read from " + Run().Settings.LogDir);
   last_page_written.clear();
   mdlDNS::BeginRun();
+  platform::TheFileSystem().RemoveLeftOvers(Run().Settings.UsageDir, IsOwnFile);
   mdlYear::LoadHistory();
   std::int16_t month = firstMonth;
   std::int16_t year = firstYear;
@@ -90,46 +91,40 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
     if (Run().Ui.process_pending_events) Run().Ui.process_pending_events();
     if (Run().Ui.quit_requested) break;
   }
-  if (!Run().OnDemandMode) mdlYear::SaveHistory();
+  if (!Run().OnDemandMode && mdlYear::SaveHistory() != 0) all_written = false;
   return 0;
 }
 
 std::int16_t WriteMonthReport(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                               std::int16_t year) {
   const bool on_demand = Run().OnDemandMode;
-  const std::string name = on_demand ? Run().ReportName : report::MonthPageName(month);
-  const std::string base_path = platform::JoinPath(Run().Settings.UsageDir, name);
+  const std::string base_path = platform::JoinPath(Run().Settings.UsageDir, ReportName(month));
   const std::string path = base_path + ".htm";
   LogInformation(": month report created : " + path);
   ShowStatus("Formatting " + path);
-  PageFile file(path);
-  if (!file.is_open()) return file.status();
   std::string page;
   const mdlGenHTML::WriteResult result = mdlGenHTML::WriteMonthPage(
       page, base_path, {.firstDay = firstDay, .lastDay = lastDay, .month = month, .year = year},
       on_demand);
-  if (!result.ok) file.Fail(result.error);
-  file.Store(page);
-  if (file.status() == 0) ShowStatus("Finished report " + path);
-  return file.status();
+  const std::int16_t status = StorePage(path, page, result.error);
+  if (status == 0) ShowStatus("Finished report " + path);
+  return status;
 }
 
 std::int16_t WriteLast12MonthsPage() {
   const std::string& folder = Run().Settings.UsageDir;
   LogInformation(": Usage reports will be created in " + folder);
   if (Run().OnDemandMode) return 0;
-  PageFile file(platform::JoinPath(folder, "index.htm"));
-  if (!file.is_open()) return file.status();
+  const auto held = mdlYear::HoldHistory();
   std::string page;
   mdlYear::WriteLast12Months(page);
-  file.Store(page);
-  return file.status();
+  return StorePage(platform::JoinPath(folder, "index.htm"), page, "");
 }
 
-bool AllPagesWritten() { return all_pages_written; }
+bool AllPagesWritten() { return all_written; }
 
 const std::string& LastPageWritten() { return last_page_written; }
 
-void ResetPagesWritten() { all_pages_written = true; }
+void ResetPagesWritten() { all_written = true; }
 
 }  // namespace mdlConfigs

@@ -229,6 +229,46 @@ TEST_F(FailingPages, RunGoesOnWithTheNextMonth) {
   EXPECT_TRUE(files_.Exists(UsagePath("History.txt")));
 }
 
+TEST_F(FailingPages, HistoryThatCannotBeWrittenCounts) {
+  files_.create_failures[UsagePath("History.txt")] = 5;
+  EXPECT_EQ(RunMonths(1, 2026, 1, 2026), 0);
+  EXPECT_FALSE(mdlConfigs::AllPagesWritten());
+}
+
+TEST_F(FailingPages, AnnualCsvThatCannotBeWrittenCounts) {
+  State().Settings.GenerateCSV = true;
+  files_.create_failures[UsagePath("Annual.csv")] = 5;
+  RunMonths(1, 2026, 1, 2026);
+  EXPECT_FALSE(mdlConfigs::AllPagesWritten());
+}
+
+TEST_F(RunPeriodTest, LeftOversOfKilledRunsAreRemovedFirst) {
+  const std::string mark = ".4711-0123456789abcdef.tmp";
+  const List own = {"History.txt",
+                    "History.old",
+                    "Annual.csv",
+                    "index.htm",
+                    platform::MonthAbbreviation(7) + ".htm",
+                    platform::MonthAbbreviation(1) + "-Summary.csv"};
+  for (const std::string& name : own) files_.AddFile(UsagePath(name + mark), "half");
+  files_.AddFile(UsagePath("other.htm" + mark), "half");
+  files_.AddFile(UsagePath("mine.htm" + mark), "half");
+  RunMonths(1, 2026, 1, 2026);
+  EXPECT_EQ(files_.ListFiles("usage", "", ".tmp"), (List{"mine.htm" + mark, "other.htm" + mark}));
+  State().OnDemandMode = true;
+  State().ReportName = "mine";
+  RunMonths(1, 2026, 1, 2026);
+  EXPECT_EQ(files_.ListFiles("usage", "", ".tmp"), List{"other.htm" + mark});
+}
+
+TEST_F(Last12Months, ShowsTheRowsThatOtherRunsSaved) {
+  RunMonths(1, 2026, 1, 2026);
+  files_.AddFile(UsagePath("History.txt"), "11,2025,1000,4321,3,2,50,4,5,6\r\n");
+  EXPECT_EQ(WriteLast12MonthsPage(), 0);
+  EXPECT_NE(files_.Content(UsagePath("index.htm")).find("<td>4321</td>"), std::string::npos);
+  EXPECT_TRUE(files_.locked.empty());
+}
+
 TEST_F(FailingPages, IndexThatCannotBeCreated) {
   files_.create_failures[UsagePath("index.htm")] = 5;
   EXPECT_EQ(WriteLast12MonthsPage(), 1);

@@ -1,6 +1,7 @@
 #include "platform/file_replacement_linux.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,55 +11,64 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/descriptor_linux.h"
+
 namespace platform {
 namespace {
 
-class Replacing : public OutputFile {
+// A file under its temporary name. The lock on it tells other processes that somebody is building
+// it; the kernel takes the lock away with the process.
+class Temporary {
  public:
-  Replacing(int file, std::string target, std::string temporary)
-      : file_(file), target_(std::move(target)), temporary_(std::move(temporary)) {}
+  explicit Temporary(std::string path) : path_(std::move(path)) {}
+  ~Temporary() {
+    if (file_.IsOpen() && !moved_) unlink(path_.c_str());
+  }
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
 
-  ~Replacing() override {
-    if (file_ >= 0) close(file_);
-    if (!committed_) unlink(temporary_.c_str());
+  int file() const { return file_.get(); }
+
+  int Create(mode_t permissions) {
+    constexpr int kOnlyNew = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    file_ = Descriptor(open(path_.c_str(), kOnlyNew, permissions));
+    if (!file_.IsOpen()) return errno;
+    return IsOurs() ? 0 : EEXIST;
   }
 
-  int Append(std::string_view bytes) override {
-    while (error_ == 0 && !bytes.empty()) {
-      const ssize_t written = write(file_, bytes.data(), bytes.size());
-      if (written > 0) {
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-      } else if (written < 0 && errno != EINTR) {
-        error_ = errno;
-      }
-    }
-    return error_;
-  }
-
-  int Commit() override {
-    if (error_ == 0 && fsync(file_) != 0) error_ = errno;
-    if (close(std::exchange(file_, -1)) != 0 && error_ == 0) error_ = errno;
-    if (error_ == 0 && std::rename(temporary_.c_str(), target_.c_str()) != 0) error_ = errno;
-    committed_ = error_ == 0;
-    return error_;
+  int MoveTo(const std::string& target) {
+    moved_ = std::rename(path_.c_str(), target.c_str()) == 0;
+    return moved_ ? 0 : errno;
   }
 
  private:
-  int file_;
-  std::string target_;
-  std::string temporary_;
-  int error_ = 0;
-  bool committed_ = false;
+  // False when another process took the new file for a left-over before it was locked. A file
+  // system that knows no locks loses no left-overs either.
+  bool IsOurs() const {
+    if (flock(file_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+    struct stat status {};
+    return fstat(file_.get(), &status) == 0 && status.st_nlink > 0;
+  }
+
+  std::string path_;
+  Descriptor file_;
+  bool moved_ = false;
 };
 
-// What the link at `path` leads to; empty when there is no link.
-std::string LinkTarget(const std::string& path) {
-  std::array<char, PATH_MAX> target{};
-  const ssize_t length = readlink(path.c_str(), target.data(), target.size());
-  if (length <= 0) return {};
-  const std::string text(target.data(), static_cast<std::size_t>(length));
-  const std::size_t name = path.rfind('/') + 1;
-  return text.front() == '/' ? text : path.substr(0, name) + text;
+// What the link at `path` leads to; empty when there is no link. An error code.
+int ReadLink(const std::string& path, std::string* target) {
+  target->clear();
+  // Owner and text are asked of one and the same link, whatever is put in its place meanwhile.
+  const Descriptor link(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status {};
+  if (!link.IsOpen() || fstat(link.get(), &status) != 0 || !S_ISLNK(status.st_mode)) return 0;
+  if (status.st_uid != geteuid() && status.st_uid != 0) return kForeignLinkError;
+  std::array<char, PATH_MAX> buffer{};
+  const ssize_t length = readlinkat(link.get(), "", buffer.data(), buffer.size());
+  if (length <= 0) return length == 0 ? EINVAL : errno;
+  const std::string text(buffer.data(), static_cast<std::size_t>(length));
+  *target = text.front() == '/' ? text : path.substr(0, path.rfind('/') + 1) + text;
+  return 0;
 }
 
 // Gives a new file the owner and the permissions of the old one, as far as the system allows.
@@ -71,38 +81,50 @@ void TakeOver(int file, const struct stat& old) {
   static_cast<void>(fchmod(file, old.st_mode & (same_owner ? 07777u : 0777u)));
 }
 
-}  // namespace
-
-std::string FollowLinks(const std::string& path) {
-  constexpr int kMostLinks = 40;  // the kernel's own limit
-  std::string end = path;
-  for (int links = 0; links < kMostLinks; ++links) {
-    std::string next = LinkTarget(end);
-    if (next.empty()) return end;
-    end = std::move(next);
-  }
-  return path;
+// Brings a new name to the disk. A folder that may not be read, and one on a file system that
+// syncs no folders, is left to the system.
+int SyncFolderOf(const std::string& path) {
+  const std::string folder = path.substr(0, path.rfind('/') + 1);
+  const Descriptor opened(
+      open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!opened.IsOpen() || fsync(opened.get()) == 0 || errno == EINVAL) return 0;
+  return errno;
 }
 
-std::unique_ptr<OutputFile> StartReplacement(const std::string& target,
-                                             const std::string& temporary, int* error) {
+}  // namespace
+
+int FollowLinks(const std::string& path, std::string* target) {
+  constexpr int kMostLinks = 40;  // the kernel's own limit
+  *target = path;
+  for (int links = 0; links < kMostLinks; ++links) {
+    std::string next;
+    const int error = ReadLink(*target, &next);
+    if (error != 0 || next.empty()) return error;
+    *target = std::move(next);
+  }
+  return ELOOP;
+}
+
+int PutInPlace(const std::string& target, const std::string& temporary, std::string_view content) {
   struct stat old {};
   const bool replaces = lstat(target.c_str(), &old) == 0;
-  if (replaces && !S_ISREG(old.st_mode)) {
-    *error = S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
-    return nullptr;
-  }
+  if (replaces && !S_ISREG(old.st_mode)) return S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
+  Temporary file(temporary);
   // Nobody else may look into a new file before it has the old one's permissions.
-  const int file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                        replaces ? S_IRUSR | S_IWUSR : 0666);
-  if (file < 0) {
-    *error = errno;
-    return nullptr;
-  }
-  auto replacing = std::make_unique<Replacing>(file, target, temporary);
-  if (replaces) TakeOver(file, old);
-  *error = 0;
-  return replacing;
+  int error = file.Create(replaces ? S_IRUSR | S_IWUSR : 0666);
+  if (error != 0) return error;
+  if (replaces) TakeOver(file.file(), old);
+  error = WriteAll(file.file(), content);
+  if (error == 0 && fsync(file.file()) != 0) error = errno;
+  if (error == 0) error = file.MoveTo(target);
+  return error != 0 ? error : SyncFolderOf(target);
+}
+
+void RemoveIfLeftOver(const std::string& path) {
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  struct stat status {};
+  if (!file.IsOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return;
+  if (flock(file.get(), LOCK_SH | LOCK_NB) == 0) unlink(path.c_str());
 }
 
 }  // namespace platform

@@ -3,8 +3,8 @@
 #ifndef HITWICK_PLATFORM_FILE_REPLACEMENT_LINUX_H_
 #define HITWICK_PLATFORM_FILE_REPLACEMENT_LINUX_H_
 
-#include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/file_system.h"
 
@@ -12,15 +12,18 @@ namespace platform {
 
 FileSystem& RealFileSystem();
 
-// The file that `path` leads to once symbolic links are followed; it need not exist. Links that
-// never end give the path itself, which then cannot be opened.
-std::string FollowLinks(const std::string& path);
+// The file that `path` leads to once symbolic links are followed; it need not exist. Returns an
+// error code: kForeignLinkError when a link belongs neither to the user who runs nor to root, ELOOP
+// when the links never end.
+int FollowLinks(const std::string& path, std::string* target);
 
-// Starts the replacement of `target` (no symbolic link; a regular file or nothing yet), built as
-// `temporary` in the same folder. Null with `*error` set to an errno code when it cannot be
-// started: EEXIST when `temporary` exists already.
-std::unique_ptr<OutputFile> StartReplacement(const std::string& target,
-                                             const std::string& temporary, int* error);
+// Replaces `target` (no symbolic link; a regular file or nothing yet) by a file with this content,
+// built as `temporary` in the same folder. Returns an errno code: EEXIST when `temporary` cannot
+// be had, and another name may do.
+int PutInPlace(const std::string& target, const std::string& temporary, std::string_view content);
+
+// Removes the temporary file at `path` unless a live process is building it.
+void RemoveIfLeftOver(const std::string& path);
 
 }  // namespace platform
 

@@ -1,18 +1,27 @@
 // Folders, log files being read and report files being replaced.
 //
 // Paths are byte strings (on Windows UTF-8, the process's active code page). Error codes are the
-// operating system's own (errno, GetLastError); 0 is success. `mod_systemInfo::GetErrorText`
-// turns one into a sentence.
+// operating system's own (errno, GetLastError) or one of the two below; 0 is success.
+// `mod_systemInfo::GetErrorText` turns one into a sentence.
 #ifndef HITWICK_PLATFORM_FILE_SYSTEM_H_
 #define HITWICK_PLATFORM_FILE_SYSTEM_H_
 
+#include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace platform {
+
+// Errors that no system has a number for. (Windows leaves those with bit 29 to programs.)
+inline constexpr int kForeignLinkError = 0x20000001;  // a link of another user's leads to the file
+inline constexpr int kLockBusyError = 0x20000002;     // somebody else held a lock all the time
+
+// How long anybody waits for a lock that another process holds.
+inline constexpr std::chrono::seconds kLockPatience{30};
 
 // What stands between a folder and a file name: `\` on Windows, `/` elsewhere.
 extern const char kPathSeparator;
@@ -33,16 +42,11 @@ class InputFile {
   virtual int Read(char* buffer, std::size_t size, std::size_t* got) = 0;
 };
 
-// A file that is built beside its final place and takes it in one step, so that readers see the
-// old file or the new one, each in full. Destroyed without `Commit`, it leaves the old file alone.
-class OutputFile {
+// The right to change what a folder holds, against other processes; given back at the end of the
+// scope, in the thread that took it.
+class FolderLock {
  public:
-  virtual ~OutputFile() = default;
-  // Adds bytes at the end. After a failure the file cannot be committed. Returns an error code.
-  virtual int Append(std::string_view bytes) = 0;
-  // Puts the file in place of the old one, keeping that one's permissions. Returns an error code;
-  // on failure the old file stands unchanged. No further call is allowed.
-  virtual int Commit() = 0;
+  virtual ~FolderLock() = default;
 };
 
 class FileSystem {
@@ -67,12 +71,31 @@ class FileSystem {
   // Opens an existing file. Null with `*error` set when it cannot be opened; folders, pipes and
   // devices cannot.
   virtual std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) = 0;
-  // Starts a replacement of (or a new) file at `path`. Null with `*error` set when that folder
-  // does not take one.
-  virtual std::unique_ptr<OutputFile> CreateOutput(const std::string& path, int* error) = 0;
+  // Puts a file with this content at `path`, in place of the old one if there is one, whose
+  // permissions it keeps. It is built beside its place and takes it in one step, so that readers
+  // see the old file or the new one, each in full. Returns an error code; the old file then stands
+  // (only if the disk fails at the very last, the new one may).
+  //
+  // Linux: the file that a symbolic link leads to is replaced, if the link belongs to the user who
+  // runs or to root; kForeignLinkError if not. Windows: the link itself is replaced.
+  virtual int ReplaceFile(const std::string& path, std::string_view content) = 0;
+  // Removes what killed processes left in `folder` (or beside the file that a link in it leads to)
+  // while they replaced files for whose names `is_target` holds. What a live process is building
+  // stays.
+  virtual void RemoveLeftOvers(const std::string& folder,
+                               const std::function<bool(std::string_view name)>& is_target) = 0;
+  // Takes the one lock of an existing folder, waiting up to `patience` for it. Null with `*error`
+  // set, to kLockBusyError when somebody else had it all the time. No file stands for the lock.
+  virtual std::unique_ptr<FolderLock> LockFolder(const std::string& folder,
+                                                 std::chrono::milliseconds patience,
+                                                 int* error) = 0;
 };
 
 FileSystem& TheFileSystem();
+
+// Whether the error code of an opening says that there is no file of this name. Any other one may
+// hide a file.
+bool MeansNotThere(int error);
 
 // The whole content of a file; an error code (`*content` then holds what could be read).
 int ReadWholeFile(FileSystem& files, const std::string& path, std::string* content);

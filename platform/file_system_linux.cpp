@@ -4,11 +4,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
+#include "platform/descriptor_linux.h"
 #include "platform/file_replacement_linux.h"
 #include "platform/file_system.h"
 #include "platform/names.h"
 #include "platform/service.h"
+#include "platform/temporary_name.h"
 
 namespace platform {
 
@@ -20,20 +23,28 @@ namespace {
 
 class DescriptorInput : public InputFile {
  public:
-  explicit DescriptorInput(int file) : file_(file) {}
-  ~DescriptorInput() override { close(file_); }
+  explicit DescriptorInput(Descriptor file) : file_(std::move(file)) {}
 
   int Read(char* buffer, std::size_t size, std::size_t* got) override {
     ssize_t bytes = 0;
     do {
-      bytes = read(file_, buffer, size);
+      bytes = read(file_.get(), buffer, size);
     } while (bytes < 0 && errno == EINTR);
     *got = bytes > 0 ? static_cast<std::size_t>(bytes) : 0;
     return bytes < 0 ? errno : 0;
   }
 
  private:
-  int file_;
+  Descriptor file_;
+};
+
+// The lock of a folder is that of the folder's own inode, and goes when it is closed.
+class OpenFolder : public FolderLock {
+ public:
+  explicit OpenFolder(Descriptor folder) : folder_(std::move(folder)) {}
+
+ private:
+  Descriptor folder_;
 };
 
 // Why an open descriptor is none that a file can be read from; 0 when it is a regular file.
@@ -99,24 +110,54 @@ class PosixFileSystem : public FileSystem {
 
   std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) override {
     // Without O_NONBLOCK a pipe that nobody writes to would stop the run.
-    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    *error = file < 0 ? errno : RefusalOf(file);
-    if (file >= 0 && *error != 0) close(file);
+    Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    *error = file.IsOpen() ? RefusalOf(file.get()) : errno;
     if (*error != 0) return nullptr;
-    posix_fadvise(file, 0, 0, POSIX_FADV_SEQUENTIAL);
-    return std::make_unique<DescriptorInput>(file);
+    posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    return std::make_unique<DescriptorInput>(std::move(file));
   }
 
-  std::unique_ptr<OutputFile> CreateOutput(const std::string& path, int* error) override {
-    const std::string target = FollowLinks(path);
-    const std::string stem = target + "." + std::to_string(getpid());
-    std::string temporary = stem + ".tmp";
-    // A process of the same number may have been killed and left its file behind.
-    constexpr int kMostLeftOvers = 100;
-    for (int number = 1;; ++number) {
-      std::unique_ptr<OutputFile> output = StartReplacement(target, temporary, error);
-      if (*error != EEXIST || number > kMostLeftOvers) return output;
-      temporary = stem + "-" + std::to_string(number) + ".tmp";
+  int ReplaceFile(const std::string& path, std::string_view content) override {
+    std::string target;
+    if (const int error = FollowLinks(path, &target)) return error;
+    constexpr int kTries = 100;
+    int error = EEXIST;
+    for (int number = 0; number < kTries && error == EEXIST; ++number) {
+      error = PutInPlace(target, NewTemporaryName(target), content);
+    }
+    return error;
+  }
+
+  void RemoveLeftOvers(const std::string& folder,
+                       const std::function<bool(std::string_view)>& is_target) override {
+    for (const std::string& name : ListFiles(folder, "", "")) {
+      const std::string path = JoinPath(folder, name);
+      if (is_target(TargetOfTemporary(name))) RemoveIfLeftOver(path);
+      if (is_target(name)) RemoveBehindLink(path);
+    }
+  }
+
+  std::unique_ptr<FolderLock> LockFolder(const std::string& folder,
+                                         std::chrono::milliseconds patience, int* error) override {
+    Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    *error = opened.IsOpen() ? TakeLock(opened.get(), patience) : errno;
+    return *error == 0 ? std::make_unique<OpenFolder>(std::move(opened)) : nullptr;
+  }
+
+ private:
+  static std::string NewTemporaryName(const std::string& target) {
+    return TemporaryName(target, static_cast<unsigned long>(getpid()));
+  }
+
+  // What is left beside the file that a link leads to.
+  void RemoveBehindLink(const std::string& path) {
+    std::string target;
+    if (FollowLinks(path, &target) != 0 || target == path) return;
+    const std::size_t end_of_folder = target.rfind('/') + 1;
+    const std::string folder = target.substr(0, end_of_folder);
+    const std::string file = target.substr(end_of_folder);
+    for (const std::string& name : ListFiles(folder, file + ".", ".tmp")) {
+      if (TargetOfTemporary(name) == file) RemoveIfLeftOver(folder + name);
     }
   }
 };
@@ -127,6 +168,8 @@ FileSystem& RealFileSystem() {
   static PosixFileSystem posix;
   return posix;
 }
+
+bool MeansNotThere(int error) { return error == ENOENT; }
 
 FileSystem& TheFileSystem() { return InUse<FileSystem>(RealFileSystem()); }
 

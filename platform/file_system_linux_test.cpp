@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <string>
@@ -18,11 +21,11 @@ namespace {
 class LinuxFilesTest : public testing::Test {
  protected:
   int Replace(const std::string& name, std::string_view content) {
-    int error = 0;
-    const auto output = TheFileSystem().CreateOutput(folder_ / name, &error);
-    if (output == nullptr) return error;
-    error = output->Append(content);
-    return error != 0 ? error : output->Commit();
+    return TheFileSystem().ReplaceFile(folder_ / name, content);
+  }
+  void RemoveLeftOversOf(const std::string& target) {
+    TheFileSystem().RemoveLeftOvers(folder_.path(),
+                                    [&](std::string_view name) { return name == target; });
   }
   struct stat StatusOf(const std::string& name) const {
     struct stat status {};
@@ -121,18 +124,132 @@ TEST_F(LinuxFilesTest, FoldersAndDevicesAreNotReplaced) {
   EXPECT_EQ(Replace("Feb.htm", "x"), EINVAL);
 }
 
-TEST_F(LinuxFilesTest, TheTemporaryFileStandsBesideTheFinalOne) {
-  int error = 0;
-  const auto output = TheFileSystem().CreateOutput(folder_ / "Jan.htm", &error);
-  EXPECT_TRUE(std::filesystem::exists(folder_ / ("Jan.htm." + std::to_string(getpid()) + ".tmp")));
+TEST_F(LinuxFilesTest, AnotherUsersLinkIsNotFollowed) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give links away";
+  fakes::WriteFile(folder_ / "elsewhere/page.htm", "precious");
+  std::filesystem::create_symlink("elsewhere/page.htm", folder_ / "Jan.htm");
+  std::filesystem::create_symlink(folder_ / "Jan.htm", folder_ / "Feb.htm");
+  ASSERT_EQ(lchown((folder_ / "Jan.htm").c_str(), 12345, 12345), 0);
+  EXPECT_EQ(Replace("Jan.htm", "new"), kForeignLinkError);
+  EXPECT_EQ(Replace("Feb.htm", "new"), kForeignLinkError) << "nor behind a link of one's own";
+  EXPECT_EQ(Content("elsewhere/page.htm"), "precious");
+  ASSERT_EQ(seteuid(12345), 0);
+  const int error = Replace("Jan.htm", "new");
+  ASSERT_EQ(seteuid(0), 0);
+  EXPECT_EQ(error, EACCES) << "its owner follows it, as far as he may write";
 }
 
-TEST_F(LinuxFilesTest, WhatAKilledProcessLeftIsNoObstacle) {
-  const std::string left_over = "Jan.htm." + std::to_string(getpid()) + ".tmp";
-  fakes::WriteFile(folder_ / left_over, "half a page");
+TEST_F(LinuxFilesTest, RootsLinkIsFollowedByEverybody) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
+  fakes::WriteFile(folder_ / "elsewhere/page.htm", "old");
+  std::filesystem::create_symlink("elsewhere/page.htm", folder_ / "Jan.htm");
+  for (const std::string& path : {folder_.path(), folder_ / "elsewhere"}) {
+    ASSERT_EQ(chmod(path.c_str(), 0777), 0);
+  }
+  ASSERT_EQ(seteuid(12345), 0);
+  const int error = Replace("Jan.htm", "new");
+  ASSERT_EQ(seteuid(0), 0);
+  EXPECT_EQ(error, 0);
+  EXPECT_EQ(Content("elsewhere/page.htm"), "new");
+}
+
+// A process that has a temporary file of "Jan.htm" under way and does not go on by itself.
+class StuckProcess {
+ public:
+  explicit StuckProcess(const fakes::ScopedTempDir& folder) {
+    int ready[2] = {};
+    if (pipe(ready) != 0) return;
+    process_ = fork();
+    if (process_ == 0) {
+      // A pipe that nobody reads takes the place of the disk that stands still.
+      stuck_in = ready[1];
+      TheFileSystem().ReplaceFile(folder / "Jan.htm", "new");
+      _exit(0);
+    }
+    close(ready[1]);
+    char byte = 0;
+    EXPECT_EQ(read(ready[0], &byte, 1), 1);
+    close(ready[0]);
+  }
+  ~StuckProcess() { Kill(); }
+  void Kill() {
+    if (process_ > 0) {
+      kill(process_, SIGKILL);
+      waitpid(process_, nullptr, 0);
+    }
+    process_ = 0;
+  }
+
+  static int stuck_in;  // where `fsync` below says that it was reached; -1 lets it pass
+
+ private:
+  pid_t process_ = 0;
+};
+int StuckProcess::stuck_in = -1;
+
+// What `fsync` was called with, in order: 'f' for a file, 'd' for a folder.
+std::string synced;
+
+TEST_F(LinuxFilesTest, ALeftOverIsRemovedAndALiveFileIsNot) {
+  StuckProcess process(folder_);
+  EXPECT_EQ(EntryCount(), 1);
+  RemoveLeftOversOf("Jan.htm");
+  EXPECT_EQ(EntryCount(), 1) << "its process lives";
+  process.Kill();
+  EXPECT_EQ(EntryCount(), 1);
+  RemoveLeftOversOf("Feb.htm");
+  EXPECT_EQ(EntryCount(), 1) << "not of this target";
+  RemoveLeftOversOf("Jan.htm");
+  EXPECT_EQ(EntryCount(), 0);
+}
+
+TEST_F(LinuxFilesTest, LeftOversBehindALinkAreRemoved) {
+  const std::string left_over = "elsewhere/page.htm.1-2.tmp";
+  fakes::WriteFile(folder_ / "elsewhere/page.htm", "old");
+  fakes::WriteFile(folder_ / left_over, "half");
+  fakes::WriteFile(folder_ / "elsewhere/other.htm.1-2.tmp", "half");
+  std::filesystem::create_symlink("elsewhere/page.htm", folder_ / "Jan.htm");
+  RemoveLeftOversOf("Jan.htm");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / left_over));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "elsewhere/other.htm.1-2.tmp"));
+}
+
+TEST_F(LinuxFilesTest, ALinkNamedLikeALeftOverStays) {
+  fakes::WriteFile(folder_ / "precious", "x");
+  std::filesystem::create_symlink("precious", folder_ / "Jan.htm.1-2.tmp");
+  RemoveLeftOversOf("Jan.htm");
+  EXPECT_EQ(EntryCount(), 2);
+  EXPECT_EQ(Content("precious"), "x");
+}
+
+TEST_F(LinuxFilesTest, FileAndFolderAreSynced) {
+  synced.clear();
   EXPECT_EQ(Replace("Jan.htm", "new"), 0);
-  EXPECT_EQ(Content("Jan.htm"), "new");
-  EXPECT_EQ(Content(left_over), "half a page");
+  EXPECT_EQ(synced, "fd");
+}
+
+TEST_F(LinuxFilesTest, TheLockOfAProcessEndsWithIt) {
+  int ready[2] = {};
+  ASSERT_EQ(pipe(ready), 0);
+  const pid_t process = fork();
+  if (process == 0) {
+    int error = 0;
+    const auto lock = TheFileSystem().LockFolder(folder_.path(), kLockPatience, &error);
+    static_cast<void>(write(ready[1], "x", 1) + pause());
+    _exit(0);
+  }
+  char byte = 0;
+  ASSERT_EQ(read(ready[0], &byte, 1), 1);
+  int error = 0;
+  EXPECT_EQ(TheFileSystem().LockFolder(folder_.path(), std::chrono::milliseconds(0), &error),
+            nullptr);
+  EXPECT_EQ(error, kLockBusyError);
+  kill(process, SIGKILL);
+  waitpid(process, nullptr, 0);
+  EXPECT_NE(TheFileSystem().LockFolder(folder_.path(), std::chrono::milliseconds(0), &error),
+            nullptr);
+  close(ready[0]);
+  close(ready[1]);
 }
 
 TEST_F(LinuxFilesTest, AFullDiskLeavesTheOldFileAndNothingElse) {
@@ -152,3 +269,15 @@ TEST_F(LinuxFilesTest, AFullDiskLeavesTheOldFileAndNothingElse) {
 
 }  // namespace
 }  // namespace platform
+
+// Takes the C library's place in this test program: notes the call, and stands still for good in a
+// `StuckProcess`.
+extern "C" int fsync(int file) {
+  struct stat status {};
+  fstat(file, &status);
+  platform::synced += S_ISDIR(status.st_mode) ? 'd' : 'f';
+  if (platform::StuckProcess::stuck_in >= 0) {
+    static_cast<void>(write(platform::StuckProcess::stuck_in, "x", 1) + pause());
+  }
+  return static_cast<int>(syscall(SYS_fsync, file));
+}

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
+#include <thread>
 
 #include "platform/service.h"
 #include "tests/fakes/fake_file_system.h"
@@ -37,13 +39,8 @@ class FileSystemTest : public testing::TestWithParam<bool> {
       fakes::WriteFile(Path(name), content);
     }
   }
-  // Replaces a file in one go; the first error code.
   int Replace(const std::string& name, std::string_view content) {
-    int error = 0;
-    const auto output = TheFileSystem().CreateOutput(Path(name), &error);
-    if (output == nullptr) return error;
-    error = output->Append(content);
-    return error != 0 ? error : output->Commit();
+    return TheFileSystem().ReplaceFile(Path(name), content);
   }
   std::string Content(const std::string& name) const {
     std::string content;
@@ -123,7 +120,18 @@ TEST_P(FileSystemTest, WhatIsNoFileCannotBeOpened) {
   EXPECT_EQ(content, "");
 }
 
-TEST_P(FileSystemTest, ACommittedFileIsInPlace) {
+TEST_P(FileSystemTest, OnlyAMissingFileIsNotThere) {
+  MakeFolder("folder");
+  int error = 0;
+  TheFileSystem().OpenForReading(Path("missing"), &error);
+  EXPECT_TRUE(MeansNotThere(error));
+  TheFileSystem().OpenForReading(Path("folder"), &error);
+  EXPECT_FALSE(MeansNotThere(error));
+  EXPECT_FALSE(MeansNotThere(0));
+  EXPECT_FALSE(MeansNotThere(5));
+}
+
+TEST_P(FileSystemTest, AReplacedFileIsInPlace) {
   EXPECT_EQ(Replace("Jan.htm", "first"), 0);
   EXPECT_EQ(Content("Jan.htm"), "first");
   EXPECT_EQ(Replace("Jan.htm", "2"), 0);
@@ -131,36 +139,52 @@ TEST_P(FileSystemTest, ACommittedFileIsInPlace) {
   EXPECT_EQ(AllFiles(), std::vector<std::string>{"Jan.htm"});
 }
 
-TEST_P(FileSystemTest, UntilTheCommitTheOldFileStands) {
-  MakeFile("Jan.htm", "old");
-  int error = 0;
-  const auto output = TheFileSystem().CreateOutput(Path("Jan.htm"), &error);
-  ASSERT_NE(output, nullptr);
-  EXPECT_EQ(output->Append("new "), 0);
-  EXPECT_EQ(output->Append("page"), 0);
-  EXPECT_EQ(Content("Jan.htm"), "old");
-  EXPECT_EQ(output->Commit(), 0);
-  EXPECT_EQ(Content("Jan.htm"), "new page");
-}
-
-TEST_P(FileSystemTest, WithoutACommitNothingIsLeftBehind) {
-  MakeFile("Jan.htm", "old");
-  int error = 0;
-  EXPECT_EQ(TheFileSystem().CreateOutput(Path("Jan.htm"), &error)->Append("new"), 0);
-  EXPECT_EQ(TheFileSystem().CreateOutput(Path("Feb.htm"), &error)->Append("new"), 0);
-  EXPECT_EQ(Content("Jan.htm"), "old");
-  EXPECT_EQ(AllFiles(), std::vector<std::string>{"Jan.htm"});
-}
-
-TEST_P(FileSystemTest, AnEmptyFileCanBeCommitted) {
+TEST_P(FileSystemTest, AFileMayBeEmpty) {
   EXPECT_EQ(Replace("empty.csv", ""), 0);
   EXPECT_EQ(Content("empty.csv"), "");
 }
 
-TEST_P(FileSystemTest, AFileInAMissingFolderCannotBeStarted) {
+TEST_P(FileSystemTest, AFileInAMissingFolderCannotBeReplaced) {
+  EXPECT_NE(TheFileSystem().ReplaceFile(JoinPath(Path("missing"), "Jan.htm"), "x"), 0);
+}
+
+TEST_P(FileSystemTest, LeftOversOfTheFilesNamedAreRemoved) {
+  const std::vector<std::string> stay = {"Feb.htm.4711-0123456789abcdef.tmp", "Jan.htm",
+                                         "Jan.htm.backup.tmp", "Jan.htm.tmp"};
+  for (const std::string& name : stay) MakeFile(name, "x");
+  MakeFile("Jan.htm.4711-0123456789abcdef.tmp", "half a pa");
+  MakeFile("Jan.htm.4711.tmp", "half");
+  MakeFile("index.htm.1-00.tmp", "");
+  TheFileSystem().RemoveLeftOvers(
+      root_, [](std::string_view name) { return name == "Jan.htm" || name == "index.htm"; });
+  EXPECT_EQ(AllFiles(), stay);
+  TheFileSystem().RemoveLeftOvers(Path("missing"), [](std::string_view) { return true; });
+}
+
+TEST_P(FileSystemTest, AFolderIsLockedByOneAtATime) {
+  const auto try_lock = [this](std::chrono::milliseconds patience) {
+    int error = 0;
+    // In a thread of its own: a thread may take a lock that it has a second time.
+    std::thread([&] { TheFileSystem().LockFolder(root_, patience, &error); }).join();
+    return error;
+  };
+  int error = -1;
+  auto lock = TheFileSystem().LockFolder(root_, std::chrono::milliseconds(0), &error);
+  EXPECT_NE(lock, nullptr);
+  EXPECT_EQ(error, 0);
+  EXPECT_EQ(try_lock(std::chrono::milliseconds(0)), kLockBusyError);
+  EXPECT_EQ(try_lock(std::chrono::milliseconds(20)), kLockBusyError);
+  EXPECT_TRUE(AllFiles().empty()) << "no file stands for the lock";
+  lock.reset();
+  EXPECT_EQ(try_lock(std::chrono::milliseconds(0)), 0);
+}
+
+TEST_P(FileSystemTest, AMissingFolderCannotBeLocked) {
   int error = 0;
-  EXPECT_EQ(TheFileSystem().CreateOutput(JoinPath(Path("missing"), "Jan.htm"), &error), nullptr);
+  EXPECT_EQ(TheFileSystem().LockFolder(Path("missing"), std::chrono::milliseconds(60000), &error),
+            nullptr);
   EXPECT_NE(error, 0);
+  EXPECT_NE(error, kLockBusyError);
 }
 
 TEST_P(FileSystemTest, ListsTheFoldersDirectlyInAFolderInOrder) {
@@ -237,27 +261,35 @@ TEST_F(FailingFilesTest, AReadErrorKeepsWhatCameBefore) {
   EXPECT_EQ(content, "0123");
 }
 
-TEST_F(FailingFilesTest, AFailedAppendCannotBeCommitted) {
-  files_.append_failures[path_] = {28, 3};
-  int error = 0;
-  const auto output = TheFileSystem().CreateOutput(path_, &error);
-  ASSERT_NE(output, nullptr);
-  EXPECT_EQ(output->Append("abc"), 0);
-  EXPECT_EQ(output->Append("d"), 28);
-  EXPECT_EQ(output->Commit(), 28);
-  EXPECT_EQ(files_.Content(path_), "0123456789");
-}
-
-TEST_F(FailingFilesTest, OpeningCreatingAndCommittingFailOnDemand) {
+TEST_F(FailingFilesTest, OpeningReplacingAndLockingFailOnDemand) {
   int error = 0;
   files_.open_failures[path_] = 13;
   EXPECT_EQ(TheFileSystem().OpenForReading(path_, &error), nullptr);
   EXPECT_EQ(error, 13);
   files_.commit_failures[path_] = 17;
-  EXPECT_EQ(TheFileSystem().CreateOutput(path_, &error)->Commit(), 17);
+  EXPECT_EQ(TheFileSystem().ReplaceFile(path_, "abc"), 17);
+  files_.append_failures[path_] = {28, 3};
+  EXPECT_EQ(TheFileSystem().ReplaceFile(path_, "abcd"), 28);
+  EXPECT_EQ(TheFileSystem().ReplaceFile(path_, "abc"), 17) << "what fits is written";
   files_.create_failures[path_] = 30;
-  EXPECT_EQ(TheFileSystem().CreateOutput(path_, &error), nullptr);
-  EXPECT_EQ(error, 30);
+  EXPECT_EQ(TheFileSystem().ReplaceFile(path_, "abc"), 30);
+  EXPECT_EQ(files_.Content(path_), "0123456789");
+  files_.lock_failures["folder"] = kLockBusyError;
+  EXPECT_EQ(TheFileSystem().LockFolder("folder", std::chrono::seconds(30), &error), nullptr);
+  EXPECT_EQ(error, kLockBusyError);
+  EXPECT_EQ(files_.waited, std::chrono::seconds(30));
+}
+
+TEST_F(FailingFilesTest, WhatALiveProcessBuildsStays) {
+  const std::string temporary = path_ + ".1-2.tmp";
+  files_.AddFile(temporary, "half");
+  files_.being_built.insert(temporary);
+  const auto all = [](std::string_view name) { return !name.empty(); };
+  TheFileSystem().RemoveLeftOvers("folder", all);
+  EXPECT_TRUE(files_.Exists(temporary));
+  files_.being_built.clear();
+  TheFileSystem().RemoveLeftOvers("folder", all);
+  EXPECT_FALSE(files_.Exists(temporary));
 }
 
 TEST_F(FailingFilesTest, ListingAndCreatingFoldersFailOnDemand) {

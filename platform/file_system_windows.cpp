@@ -1,12 +1,17 @@
 #include <windows.h>
 
+#include <sddl.h>
+
 #include <algorithm>
+#include <cstdint>
+#include <string>
 #include <utility>
 
 #include "platform/absolute_path_windows.h"
 #include "platform/file_system.h"
 #include "platform/names.h"
 #include "platform/service.h"
+#include "platform/temporary_name.h"
 #include "platform/utf16_windows.h"
 
 namespace platform {
@@ -16,7 +21,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 // From this length on a path needs the prefix that lifts the limit of 260 characters. (Folders
 // have to leave room for a short file name, hence less.)
 constexpr std::size_t kLongPath = 248;
-constexpr std::size_t kWriteBufferSize = 64 * 1024;
+constexpr std::size_t kMostPerCall = 1u << 30;
 
 int LastError() { return static_cast<int>(GetLastError()); }
 
@@ -31,7 +36,7 @@ std::wstring SystemPath(const std::string& path) {
   return L"\\\\?\\" + wide;
 }
 
-// An open file or search that is closed at the end of its scope.
+// An open file or mutex that is closed at the end of its scope.
 class Handle {
  public:
   explicit Handle(HANDLE handle) : handle_(handle) {}
@@ -41,7 +46,7 @@ class Handle {
   Handle& operator=(const Handle&) = delete;
   Handle& operator=(Handle&&) = delete;
 
-  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
   HANDLE get() const { return handle_; }
   bool Close() {
     return !IsOpen() || CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE)) != 0;
@@ -83,7 +88,6 @@ class OpenedFile : public InputFile {
   explicit OpenedFile(Handle file) : file_(std::move(file)) {}
 
   int Read(char* buffer, std::size_t size, std::size_t* got) override {
-    constexpr std::size_t kMostPerCall = 1u << 30;
     DWORD read = 0;
     const bool done = ReadFile(file_.get(), buffer,
                                static_cast<DWORD>(std::min(size, kMostPerCall)), &read, nullptr);
@@ -128,72 +132,55 @@ int MoveOver(const std::wstring& from, const std::wstring& to) {
   }
 }
 
-class ReplacementFile : public OutputFile {
+// A file under its temporary name. It stays open until it is in its place, which tells other
+// processes that somebody is building it; the system closes it with the process.
+class Temporary {
  public:
-  ReplacementFile(Handle file, std::wstring temporary_path, std::wstring path)
-      : file_(std::move(file)),
-        temporary_path_(std::move(temporary_path)),
-        path_(std::move(path)) {}
-
-  ~ReplacementFile() override {
-    if (in_place_) return;
+  explicit Temporary(std::wstring path)
+      : path_(std::move(path)),
+        file_(CreateFileW(path_.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                          nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)),
+        error_(file_.IsOpen() ? 0 : LastError()) {}
+  ~Temporary() {
+    if (!file_.IsOpen() || moved_) return;
     file_.Close();
-    DeleteFileW(temporary_path_.c_str());
+    DeleteFileW(path_.c_str());
+  }
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
+
+  int error() const { return error_; }
+
+  // Brings every byte to the disk.
+  int Write(std::string_view content) {
+    while (!content.empty()) {
+      const DWORD size = static_cast<DWORD>(std::min(content.size(), kMostPerCall));
+      DWORD written = 0;
+      if (!WriteFile(file_.get(), content.data(), size, &written, nullptr)) return LastError();
+      content.remove_prefix(written);
+    }
+    return FlushFileBuffers(file_.get()) ? 0 : LastError();
   }
 
-  int Append(std::string_view bytes) override {
-    if (error_ != 0) return error_;
-    buffer_.append(bytes);
-    if (buffer_.size() >= kWriteBufferSize) error_ = WriteBuffer();
-    return error_;
-  }
-
-  int Commit() override {
-    if (error_ == 0) error_ = Complete();
-    if (error_ != 0) return error_;
-    CopyPermissions(path_, temporary_path_);
-    error_ = MoveOver(temporary_path_, path_);
-    in_place_ = error_ == 0;
-    return error_;
+  int MoveTo(const std::wstring& path) {
+    CopyPermissions(path, path_);
+    const int error = MoveOver(path_, path);
+    moved_ = error == 0;
+    return error;
   }
 
  private:
-  int WriteBuffer() {
-    std::string_view rest = buffer_;
-    while (!rest.empty()) {
-      DWORD written = 0;
-      if (!WriteFile(file_.get(), rest.data(), static_cast<DWORD>(rest.size()), &written,
-                     nullptr)) {
-        return LastError();
-      }
-      rest.remove_prefix(written);
-    }
-    buffer_.clear();
-    return 0;
-  }
-
-  // Brings every byte to the disk and closes the file.
-  int Complete() {
-    const int error = WriteBuffer();
-    if (error != 0) return error;
-    if (!FlushFileBuffers(file_.get())) return LastError();
-    return file_.Close() ? 0 : LastError();
-  }
-
-  Handle file_;
-  std::wstring temporary_path_;
   std::wstring path_;
-  std::string buffer_;
-  int error_ = 0;
-  bool in_place_ = false;
+  Handle file_;
+  int error_;
+  bool moved_ = false;
 };
 
-// A name beside `path` that no other process and no earlier call of this one uses.
-std::string TemporaryName(const std::string& path) {
-  static unsigned count = 0;
-  const std::size_t folder_length = path.find_last_of("\\/:") + 1;
-  return path.substr(0, folder_length) + "~hitwick-" + std::to_string(GetCurrentProcessId()) + "-" +
-         std::to_string(++count) + ".tmp";
+// Deletes a temporary file that no process has open.
+void DeleteIfLeftOver(const std::wstring& path) {
+  const Handle closed_deletes(CreateFileW(path.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                                          FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT,
+                                          nullptr));
 }
 
 // Whether a folder list shows an entry of a listing. What the system keeps in a drive's root for
@@ -204,6 +191,55 @@ bool IsShownFolder(const WIN32_FIND_DATAW& entry, const std::wstring& path) {
   return name != L"." && name != L".." && (entry.dwFileAttributes & kSystemsOwn) != kSystemsOwn &&
          IsFolder(FollowLink(entry.dwFileAttributes, path));
 }
+
+// The folder's full path in its one final form, links and drive letters of shares resolved; as far
+// as the system tells it.
+std::wstring FinalPath(const std::wstring& path) {
+  const Handle folder(CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  std::wstring final_path(GetFinalPathNameByHandleW(folder.get(), nullptr, 0, 0), L'\0');
+  final_path.resize(GetFinalPathNameByHandleW(folder.get(), final_path.data(),
+                                              static_cast<DWORD>(final_path.size()), 0));
+  return final_path.empty() ? AbsolutePath(path) : final_path;
+}
+
+// The name of the mutex that stands for a folder, in all sessions of the computer. A path is too
+// long for a name, and must not hold a `\`: its hash (FNV-1a) stands for it. Two folders of one
+// hash would only wait for each other.
+std::wstring MutexName(const std::wstring& folder) {
+  std::wstring path = FinalPath(folder);
+  CharUpperBuffW(path.data(), static_cast<DWORD>(path.size()));
+  std::uint64_t hash = 0xCBF29CE484222325u;
+  for (const wchar_t unit : path) hash = (hash ^ unit) * 0x100000001B3u;
+  return L"Global\\Hitwick-" + std::to_wstring(hash);
+}
+
+// Lets every user wait for the mutex, whoever made it.
+class OpenToEveryone {
+ public:
+  OpenToEveryone() {
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(
+        L"D:(A;;0x100001;;;WD)", SDDL_REVISION_1, &attributes_.lpSecurityDescriptor, nullptr);
+  }
+  ~OpenToEveryone() { LocalFree(attributes_.lpSecurityDescriptor); }
+  OpenToEveryone(const OpenToEveryone&) = delete;
+  OpenToEveryone& operator=(const OpenToEveryone&) = delete;
+
+  SECURITY_ATTRIBUTES* get() { return &attributes_; }
+
+ private:
+  SECURITY_ATTRIBUTES attributes_ = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
+};
+
+// A mutex that this thread has.
+class HeldMutex : public FolderLock {
+ public:
+  explicit HeldMutex(Handle mutex) : mutex_(std::move(mutex)) {}
+  ~HeldMutex() override { ReleaseMutex(mutex_.get()); }
+
+ private:
+  Handle mutex_;
+};
 
 class SystemFiles : public FileSystem {
  public:
@@ -275,19 +311,39 @@ class SystemFiles : public FileSystem {
     return std::make_unique<OpenedFile>(std::move(file));
   }
 
-  std::unique_ptr<OutputFile> CreateOutput(const std::string& path, int* error) override {
-    for (;;) {
-      std::wstring temporary_path = SystemPath(TemporaryName(path));
-      Handle file(CreateFileW(temporary_path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                              FILE_ATTRIBUTE_NORMAL, nullptr));
-      *error = file.IsOpen() ? 0 : LastError();
-      if (file.IsOpen()) {
-        return std::make_unique<ReplacementFile>(std::move(file), std::move(temporary_path),
-                                                 SystemPath(path));
+  int ReplaceFile(const std::string& path, std::string_view content) override {
+    Temporary file(SystemPath(TemporaryName(path, GetCurrentProcessId())));
+    if (file.error() != 0) return file.error();
+    const int error = file.Write(content);
+    return error != 0 ? error : file.MoveTo(SystemPath(path));
+  }
+
+  void RemoveLeftOvers(const std::string& folder,
+                       const std::function<bool(std::string_view)>& is_target) override {
+    for (const std::string& name : ListFiles(folder, "", ".tmp")) {
+      if (is_target(TargetOfTemporary(name))) {
+        DeleteIfLeftOver(SystemPath(JoinPath(folder, name)));
       }
-      // Left behind by a process of the same number that was killed: the next name will do.
-      if (*error != ERROR_FILE_EXISTS) return nullptr;
     }
+  }
+
+  std::unique_ptr<FolderLock> LockFolder(const std::string& folder,
+                                         std::chrono::milliseconds patience, int* error) override {
+    *error = ERROR_PATH_NOT_FOUND;
+    if (!FolderExists(folder)) return nullptr;
+    OpenToEveryone everyone;
+    Handle mutex(
+        CreateMutexExW(everyone.get(), MutexName(SystemPath(folder)).c_str(), 0, SYNCHRONIZE));
+    *error = mutex.IsOpen() ? WaitFor(mutex.get(), patience) : LastError();
+    return *error == 0 ? std::make_unique<HeldMutex>(std::move(mutex)) : nullptr;
+  }
+
+ private:
+  // A process that ended without giving a mutex back counts as having given it back.
+  static int WaitFor(HANDLE mutex, std::chrono::milliseconds patience) {
+    const DWORD result = WaitForSingleObject(mutex, static_cast<DWORD>(patience.count()));
+    if (result == WAIT_OBJECT_0 || result == WAIT_ABANDONED) return 0;
+    return result == WAIT_TIMEOUT ? kLockBusyError : LastError();
   }
 };
 
@@ -299,6 +355,10 @@ const char kPathSeparator = '\\';
 bool FitsInFileName(char c) {
   return static_cast<unsigned char>(c) >= ' ' &&
          std::string_view(R"(<>:"/\|?*)").find(c) == std::string_view::npos;
+}
+
+bool MeansNotThere(int error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
 FileSystem& TheFileSystem() {

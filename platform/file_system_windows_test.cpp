@@ -2,6 +2,11 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <thread>
+
 #include "platform/file_system.h"
 #include "platform/utf16_windows.h"
 #include "tests/fakes/temp_dir.h"
@@ -12,12 +17,10 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 void Replace(const std::string& path, std::string_view content) {
-  int error = -1;
-  auto file = platform::TheFileSystem().CreateOutput(path, &error);
-  ASSERT_NE(file, nullptr) << "error " << error;
-  ASSERT_EQ(file->Append(content), 0);
-  ASSERT_EQ(file->Commit(), 0);
+  ASSERT_EQ(platform::TheFileSystem().ReplaceFile(path, content), 0);
 }
+
+bool IsAny(std::string_view name) { return !name.empty(); }
 
 std::string Content(const std::string& path) {
   std::string content;
@@ -112,15 +115,59 @@ TEST(WindowsFiles, OldFileStandsWhenItCannotBeReplaced) {
   const HANDLE reader =
       CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
   ASSERT_NE(reader, INVALID_HANDLE_VALUE);
-  int error = 0;
-  auto file = platform::TheFileSystem().CreateOutput(path, &error);
-  ASSERT_NE(file, nullptr);
-  ASSERT_EQ(file->Append("new"), 0);
-  EXPECT_NE(file->Commit(), 0);
-  file.reset();
+  EXPECT_NE(platform::TheFileSystem().ReplaceFile(path, "new"), 0);
   CloseHandle(reader);
   EXPECT_EQ(Content(path), "old");
-  EXPECT_THAT(platform::TheFileSystem().ListFiles(dir.path(), "~", ""), IsEmpty());
+  EXPECT_THAT(platform::TheFileSystem().ListFiles(dir.path(), "", ".tmp"), IsEmpty());
+}
+
+TEST(WindowsFiles, FileThatMayNotBeReadNowIsThere) {
+  const fakes::ScopedTempDir dir;
+  const std::string path = dir / "History.txt";
+  fakes::WriteFile(path, "old");
+  const HANDLE writer =
+      CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  int error = 0;
+  EXPECT_EQ(platform::TheFileSystem().OpenForReading(path, &error), nullptr);
+  EXPECT_EQ(error, ERROR_SHARING_VIOLATION);
+  EXPECT_FALSE(platform::MeansNotThere(error));
+  CloseHandle(writer);
+  platform::TheFileSystem().OpenForReading(dir / "no folder\\History.txt", &error);
+  EXPECT_TRUE(platform::MeansNotThere(error));
+}
+
+TEST(WindowsFiles, LeftOverIsRemovedOnceItsProcessHasClosedIt) {
+  const fakes::ScopedTempDir dir;
+  const std::string path = dir / "Jan.htm.4711-0123456789abcdef.tmp";
+  const HANDLE builder =
+      CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                  CREATE_NEW, 0, nullptr);
+  ASSERT_NE(builder, INVALID_HANDLE_VALUE);
+  platform::TheFileSystem().RemoveLeftOvers(dir.path(), IsAny);
+  EXPECT_THAT(platform::TheFileSystem().ListFiles(dir.path(), "", ".tmp").size(), 1u);
+  CloseHandle(builder);
+  platform::TheFileSystem().RemoveLeftOvers(dir.path(), IsAny);
+  EXPECT_THAT(platform::TheFileSystem().ListFiles(dir.path(), "", ".tmp"), IsEmpty());
+}
+
+TEST(WindowsFiles, LockIsTheSameForEverySpellingOfAFolder) {
+  const fakes::ScopedTempDir dir;
+  int error = 0;
+  const auto lock =
+      platform::TheFileSystem().LockFolder(dir.path(), std::chrono::milliseconds(0), &error);
+  ASSERT_NE(lock, nullptr) << error;
+  std::string upper = dir.path();
+  std::transform(upper.begin(), upper.end(), upper.begin(), ::toupper);
+  std::string slashes = dir.path() + "\\.\\";
+  std::replace(slashes.begin(), slashes.end(), '\\', '/');
+  for (const std::string& spelling : {upper, slashes}) {
+    std::thread([&] {
+      EXPECT_EQ(
+          platform::TheFileSystem().LockFolder(spelling, std::chrono::milliseconds(0), &error),
+          nullptr);
+    }).join();
+    EXPECT_EQ(error, platform::kLockBusyError) << spelling;
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/mod_systemInfo.h"
 
+#include "platform/file_system.h"
 #include "platform/message_box.h"
 #include "platform/shell.h"
 
@@ -15,6 +16,14 @@ void OpenOrTell(const std::string& path, const std::string& complaint) {
 }
 
 }  // namespace
+
+std::string GetErrorText(std::int32_t code) {
+  if (code == platform::kForeignLinkError) {
+    return "A symbolic link on the way belongs to another user";
+  }
+  if (code == platform::kLockBusyError) return "Another process has held the lock all the time";
+  return SystemErrorText(code);
+}
 
 void AllowBoxes(bool allowed) { boxes_allowed = allowed; }
 

@@ -28,9 +28,12 @@ void OpenHelp();
 // Opens a file with its associated program. A failure is shown in a box and nothing else.
 void OpenFile(const std::string& path);
 
-// The system's sentence for one of its error codes, without a trailing line break. Always returns
-// a text, even when the system cannot describe the code (which is shown in a box as well).
+// The sentence for an error code of the system, or of `platform/file_system.h`, without a trailing
+// line break. Always returns a text, even when the system cannot describe the code (which is shown
+// in a box as well).
 std::string GetErrorText(std::int32_t code);
+// The system's part of it.
+std::string SystemErrorText(std::int32_t code);
 
 }  // namespace mod_systemInfo
 

@@ -43,7 +43,7 @@ std::int32_t GetOSMajorVersion() {
   return static_cast<std::int32_t>(version.record.dwMajorVersion);
 }
 
-std::string GetErrorText(std::int32_t code) {
+std::string SystemErrorText(std::int32_t code) {
   std::array<char, 160> buffer = {};
   const DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
                                       nullptr, static_cast<DWORD>(code), 0, buffer.data(),

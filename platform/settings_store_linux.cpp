@@ -1,16 +1,15 @@
 #include "platform/settings_store.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <functional>
 #include <map>
-#include <memory>
 #include <utility>
 
+#include "platform/descriptor_linux.h"
 #include "platform/event_log.h"
 #include "platform/file_replacement_linux.h"
 #include "platform/names.h"
@@ -24,6 +23,7 @@ namespace {
 using Result = SettingsStore::Result;
 
 constexpr Result kInvalidHandle = 6;
+constexpr Result kLockViolation = 33;
 constexpr Result kDiskFull = 112;
 constexpr Result kRegistryIoFailed = 1016;
 constexpr std::size_t kLongestValueName = 254;
@@ -36,11 +36,14 @@ Result ResultOf(int error) {
     case EACCES:
     case EPERM:
     case EROFS:
+    case kForeignLinkError:
       return kStoreAccessDenied;
     case ENOSPC:
     case EDQUOT:
     case EFBIG:
       return kDiskFull;
+    case kLockBusyError:
+      return kLockViolation;
     default:
       return kRegistryIoFailed;
   }
@@ -80,29 +83,15 @@ FileStamp StampOf(const std::string& path) {
 // is: removing it would let two processes hold two of them.
 class WriteLock {
  public:
-  explicit WriteLock(const std::string& path) {
-    file_ = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (file_ < 0) {
-      error_ = errno;
-      return;
-    }
-    while (flock(file_, LOCK_EX) != 0) {
-      if (errno == EINTR) continue;
-      error_ = errno;
-      return;
-    }
-  }
-  ~WriteLock() {
-    if (file_ >= 0) close(file_);
-  }
-  WriteLock(const WriteLock&) = delete;
-  WriteLock& operator=(const WriteLock&) = delete;
+  explicit WriteLock(const std::string& path)
+      : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)),
+        error_(file_.IsOpen() ? TakeLock(file_.get(), kLockPatience) : errno) {}
 
   int error() const { return error_; }
 
  private:
-  int file_ = -1;
-  int error_ = 0;
+  Descriptor file_;
+  int error_;
 };
 
 // Replaces the file at `target`. The caller holds the lock, so a temporary file that stands there
@@ -110,11 +99,11 @@ class WriteLock {
 int Save(const std::string& target, const std::string& content) {
   const std::string temporary = target + ".tmp";
   unlink(temporary.c_str());
-  int error = 0;
-  const std::unique_ptr<OutputFile> output = StartReplacement(target, temporary, &error);
-  if (output == nullptr) return error;
-  error = output->Append(content);
-  return error != 0 ? error : output->Commit();
+  return PutInPlace(target, temporary, content);
+}
+
+void Warn(const std::string& text) {
+  TheEventLog().Write(EventLevel::kWarning, std::string(kSettingsApplication) + ": " + text);
 }
 
 // Turns a path below the user's root into one below the settings branch (the branch itself: the
@@ -309,11 +298,15 @@ class SettingsIni : public SettingsStore {
     if (const Result result = TryEdit(edit, &edited, &changed); result != 0 || !changed) {
       return result;
     }
-    const std::string target = FollowLinks(path_);
+    std::string target;
+    if (const int error = FollowLinks(path_, &target)) return ResultOf(error);
     if (const int error = MakeFolders(target.substr(0, target.rfind('/')))) {
       return ResultOf(error);
     }
     const WriteLock lock(target + ".lock");
+    if (lock.error() == kLockBusyError) {
+      Warn("Gave up after 30 seconds of waiting for another process that changes '" + target + "'");
+    }
     if (lock.error() != 0) return ResultOf(lock.error());
     loaded_ = false;
     if (const Result result = TryEdit(edit, &edited, &changed); result != 0 || !changed) {
@@ -343,9 +336,8 @@ class SettingsIni : public SettingsStore {
       int& reported = reported_lines_[path_ + "\n" + line.text];
       if (occurrence <= reported) continue;
       reported = occurrence;
-      TheEventLog().Write(EventLevel::kWarning,
-                          std::string(kSettingsApplication) + ": " + PlaceOfLine(line.number) +
-                              " is neither a section nor a value nor a comment and is ignored");
+      Warn(PlaceOfLine(line.number) +
+           " is neither a section nor a value nor a comment and is ignored");
     }
   }
 

@@ -1,5 +1,6 @@
 #include "report/mdlYear.h"
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,10 @@ class History : public ReportTest {
             2,
             6};
   }
+  static std::string SavingError(int error) {
+    return "HitwickError saving past results " + UsagePath("History.txt") + " : " +
+           mod_systemInfo::GetErrorText(error);
+  }
   static std::string Page() {
     std::string page;
     mdlYear::WriteLast12Months(page);
@@ -50,6 +55,7 @@ class History : public ReportTest {
 };
 
 using Months = std::vector<int>;
+using List = std::vector<std::string>;
 
 TEST_F(History, WindowIsThisYearAndTheLaterMonthsOfLastYear) {
   for (int month = 1; month <= 12; ++month) mdlYear::AddHistoryRow(Row(month, 2025));
@@ -130,10 +136,29 @@ TEST_F(History, LoadEndsAtTheFirstLineThatIsNoRow) {
        {"1,2026,1,1,1,1,1,1,1", "", "1,2026,1,1,1,1,1,1,1,", "1,2026,x,1,1,1,1,1,1,1",
         "1,2026,1,1,1,1,1,1,1,1x", "0,2026,1,1,1,1,1,1,1,1", "13,2026,1,1,1,1,1,1,1,1",
         "1,40000,1,1,1,1,1,1,1,1", "1,2026,inf,1,1,1,1,1,1,1", "1,2026,nan,1,1,1,1,1,1,1",
-        "1,2026,1e999,1,1,1,1,1,1,1"}) {
+        "1,2026,1e999,1,1,1,1,1,1,1", "1,2026,-nan,1,1,1,1,1,1,1", "1,2026,-1,1,1,1,1,1,1,1",
+        "1,2026,1,1,1,1,1,1,1,-0.5", "1,2026,1,1,1,1,1,1000000000000001,1,1",
+        "1,-2026,1,1,1,1,1,1,1,1"}) {
     Load(good + bad + "\r\n" + after);
     EXPECT_EQ(Filled(), Months{2}) << bad;
   }
+}
+
+TEST_F(History, TheLargestFigureAndZeroWithAMinusAreRead) {
+  Load("2,2026,1e15,-0,1000000000000000,1,1,1,1,1\r\n");
+  EXPECT_EQ(mdlYear::HistorySlot(2).bytes, 1e15);
+  mdlYear::SaveHistory();
+  EXPECT_TRUE(Contains(files_.Content(UsagePath("History.txt")),
+                       "2,2026,1000000000000000,0,1000000000000000,1,"));
+}
+
+TEST_F(History, AMonthBeyondTheLargestFigureIsKeptAtIt) {
+  HistoryRow row = Row(2, 2026);
+  row.bytes = 3e15;
+  mdlYear::AddHistoryRow(row);
+  mdlYear::SaveHistory();
+  mdlYear::LoadHistory();
+  EXPECT_EQ(mdlYear::HistorySlot(2).bytes, 1e15);
 }
 
 TEST_F(History, LoadKeepsTheWholeLinesBeforeAReadError) {
@@ -188,18 +213,17 @@ TEST_F(History, SaveAndLoadGiveTheSameSlots) {
 
 TEST_F(History, FailedSaveIsLoggedAndLeavesTheOldFiles) {
   Settings().GenerateCSV = true;
-  files_.AddFile(UsagePath("History.txt"), "old");
+  const std::string old = "2,2026,1,1,1,1,1,1,1,1\r\n";
+  files_.AddFile(UsagePath("History.txt"), old);
   files_.AddFile(UsagePath("Annual.csv"), "old too");
   for (auto* failures : {&files_.create_failures, &files_.commit_failures}) {
     log_.Clear();
     (*failures)[UsagePath("History.txt")] = 13;
-    mdlYear::SaveHistory();
+    EXPECT_EQ(mdlYear::SaveHistory(), 1);
     failures->clear();
-    ASSERT_EQ(log_.entries.size(), 1u);
-    EXPECT_TRUE(log_.ContainsWarning("HitwickError saving past results " +
-                                     UsagePath("History.txt") + " : " +
-                                     mod_systemInfo::GetErrorText(13)));
-    EXPECT_EQ(files_.Content(UsagePath("History.txt")), "old");
+    EXPECT_EQ(log_.Texts(), List{SavingError(13)});
+    EXPECT_TRUE(log_.ContainsWarning(SavingError(13)));
+    EXPECT_EQ(files_.Content(UsagePath("History.txt")), old);
     EXPECT_EQ(files_.Content(UsagePath("Annual.csv")), "old too");
   }
 }
@@ -207,10 +231,158 @@ TEST_F(History, FailedSaveIsLoggedAndLeavesTheOldFiles) {
 TEST_F(History, FailedAnnualCsvKeepsTheNewHistoryAndNamesIt) {
   Settings().GenerateCSV = true;
   files_.create_failures[UsagePath("Annual.csv")] = 13;
-  mdlYear::SaveHistory();
+  EXPECT_EQ(mdlYear::SaveHistory(), 1);
   EXPECT_TRUE(Contains(files_.Content(UsagePath("History.txt")), "1,0,0,"));
-  EXPECT_TRUE(log_.ContainsWarning("HitwickError saving past results " + UsagePath("History.txt") +
-                                   " : " + mod_systemInfo::GetErrorText(13)));
+  EXPECT_TRUE(log_.ContainsWarning(SavingError(13)));
+}
+
+TEST_F(History, AFileThatCannotBeReadIsNeverReplaced) {
+  Settings().GenerateCSV = true;
+  const std::string old = "2,2026,1,1,1,1,1,1,1,1\r\n1,2026,1,1,1,1,1,1,1,1\r\n";
+  const auto run = [&] {
+    log_.Clear();
+    mdlYear::LoadHistory();
+    mdlYear::AddHistoryRow(Row(3, 2026));
+    return mdlYear::SaveHistory();
+  };
+  files_.AddFile(UsagePath("History.txt"), old);
+  files_.open_failures[UsagePath("History.txt")] = 13;
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(log_.Texts(), List{SavingError(13)});
+  files_.open_failures.clear();
+  files_.read_failures[UsagePath("History.txt")] = {5, 30};
+  EXPECT_EQ(run(), 1);
+  EXPECT_EQ(log_.Texts(), List{SavingError(5)});
+  EXPECT_EQ(Filled(), (Months{2, 3})) << "what could be read is shown";
+  EXPECT_EQ(files_.Content(UsagePath("History.txt")), old);
+  EXPECT_TRUE(files_.committed.empty()) << "no Annual.csv either";
+}
+
+TEST_F(History, AReadingErrorThatHasPassedLosesNothing) {
+  files_.open_failures[UsagePath("History.txt")] = 13;
+  Load("2,2026,1,1,1,1,1,1,1,1\r\n");
+  mdlYear::AddHistoryRow(Row(3, 2026));
+  files_.open_failures.clear();
+  EXPECT_EQ(mdlYear::SaveHistory(), 0);
+  EXPECT_EQ(Filled(), (Months{2, 3}));
+}
+
+TEST_F(History, AFileWithABrokenLineIsKeptBeforeItIsReplaced) {
+  const std::string broken = "2,2026,1,1,1,1,1,1,1,1\r\nnonsense\r\n1,2026,1,1,1,1,1,1,1,1\r\n";
+  Load(broken);
+  EXPECT_TRUE(log_.entries.empty());
+  EXPECT_FALSE(files_.Exists(UsagePath("History.old")));
+  mdlYear::AddHistoryRow(Row(3, 2026));
+  EXPECT_EQ(mdlYear::SaveHistory(), 0);
+  EXPECT_EQ(files_.Content(UsagePath("History.old")), broken);
+  EXPECT_EQ(Filled(), (Months{2, 3}));
+  ASSERT_EQ(log_.entries.size(), 1u);
+  EXPECT_TRUE(log_.ContainsWarning(
+      "Hitwick: Line 2 of " + UsagePath("History.txt") +
+      " is no row of the history; it and the lines below it are dropped. The file as it was is "
+      "kept as " +
+      UsagePath("History.old")));
+}
+
+TEST_F(History, TheKeptFileIsNotReplacedByALaterOne) {
+  files_.AddFile(UsagePath("History.old"), "the first");
+  Load("nonsense\r\n");
+  EXPECT_EQ(mdlYear::SaveHistory(), 0);
+  EXPECT_EQ(files_.Content(UsagePath("History.old")), "the first");
+  EXPECT_TRUE(
+      log_.ContainsWarning("Hitwick: Line 1 of " + UsagePath("History.txt") +
+                           " is no row of the history; it and the lines below it are dropped. " +
+                           UsagePath("History.old") + " is there already and stays as it is"));
+}
+
+TEST_F(History, ABrokenFileThatCannotBeKeptIsNotReplaced) {
+  files_.create_failures[UsagePath("History.old")] = 28;
+  Load("nonsense\r\n");
+  EXPECT_EQ(mdlYear::SaveHistory(), 1);
+  EXPECT_EQ(log_.Texts(), List{SavingError(28)});
+  EXPECT_EQ(files_.Content(UsagePath("History.txt")), "nonsense\r\n");
+}
+
+TEST_F(History, BlankLinesAtTheEndAreNothingToKeep) {
+  Load("2,2026,1,1,1,1,1,1,1,1\r\n\r\n  \r\n");
+  EXPECT_EQ(mdlYear::SaveHistory(), 0);
+  EXPECT_TRUE(log_.entries.empty());
+  EXPECT_FALSE(files_.Exists(UsagePath("History.old")));
+}
+
+// Two runs on one usage folder: what the other one saved meanwhile stays, but for the months that
+// this one has reported.
+TEST_F(History, RowsSavedByAnotherRunMeanwhileAreKept) {
+  Settings().GenerateCSV = true;
+  Load("1,2026,1,1,1,1,1,1,1,1\r\n2,2026,2,2,2,2,2,2,2,2\r\n");
+  mdlYear::AddHistoryRow(Row(3, 2026));
+  files_.on_lock = [this] {
+    files_.AddFile(UsagePath("History.txt"),
+                   "1,2026,9,9,9,9,9,9,9,9\r\n3,2026,8,8,8,8,8,8,8,8\r\n"
+                   "12,2025,7,7,7,7,7,7,7,7\r\n");
+  };
+  EXPECT_EQ(mdlYear::SaveHistory(), 0);
+  EXPECT_EQ(Filled(), (Months{1, 3, 12})) << "and what the other run dropped is gone";
+  const std::string saved = files_.Content(UsagePath("History.txt"));
+  EXPECT_TRUE(Contains(saved, "1,2026,9,9,"));
+  EXPECT_TRUE(Contains(saved, "3,2026,1000,10,"));
+  EXPECT_TRUE(Contains(saved, "12,2025,7,7,"));
+  EXPECT_TRUE(Contains(files_.Content(UsagePath("Annual.csv")), "12,2025,7,7,"));
+  EXPECT_TRUE(files_.locked.empty());
+}
+
+// A catch-up that began in February meets the nightly run of March.
+TEST_F(History, ALaterYearsRowSavedMeanwhileIsKept) {
+  clock_.local = {2026, 2, 28, 23, 59, 0};
+  mdlYear::LoadHistory();
+  for (const int month : {3, 4}) mdlYear::AddHistoryRow(Row(month, 2025));
+  clock_.local = {2026, 3, 1, 0, 1, 0};
+  files_.on_lock = [this] {
+    files_.AddFile(UsagePath("History.txt"), "3,2026,8,8,8,8,8,8,8,8\r\n");
+  };
+  EXPECT_EQ(mdlYear::SaveHistory(), 0);
+  EXPECT_EQ(mdlYear::HistorySlot(3).yr, 2026);
+  EXPECT_EQ(mdlYear::HistorySlot(4).yr, 2025);
+}
+
+TEST_F(History, ALaterYearsRowThatWasThereBeforeIsReplaced) {
+  Load("6,2026,8,8,8,8,8,8,8,8\r\n");
+  mdlYear::AddHistoryRow(Row(6, 2025));
+  mdlYear::SaveHistory();
+  EXPECT_EQ(mdlYear::HistorySlot(6).yr, 2025);
+}
+
+TEST_F(History, ASaveWithoutTheLockFails) {
+  files_.locked.insert("usage");
+  mdlYear::AddHistoryRow(Row(3, 2026));
+  EXPECT_EQ(mdlYear::SaveHistory(), 1);
+  EXPECT_EQ(files_.waited, std::chrono::seconds(30));
+  EXPECT_EQ(log_.Texts(), List{SavingError(platform::kLockBusyError)});
+  EXPECT_TRUE(files_.committed.empty());
+  EXPECT_EQ(mdlYear::HoldHistory(), nullptr);
+  EXPECT_EQ(log_.entries.size(), 1u) << "nobody waits again";
+}
+
+TEST_F(History, ThePageShowsWhatTheFileHoldsWhenItIsWritten) {
+  EXPECT_EQ(mdlYear::HoldHistory(), nullptr) << "nothing saved yet";
+  mdlYear::AddHistoryRow(Row(3, 2026));
+  mdlYear::SaveHistory();
+  files_.on_lock = [this] {
+    files_.AddFile(UsagePath("History.txt"), "12,2025,7,7,7,7,7,7,7,7\r\n");
+  };
+  const auto held = mdlYear::HoldHistory();
+  EXPECT_NE(held, nullptr);
+  EXPECT_EQ(files_.locked.size(), 1u);
+  EXPECT_EQ(Filled(), Months{12});
+}
+
+TEST_F(History, APageWithoutTheLockShowsTheRowsSaved) {
+  mdlYear::AddHistoryRow(Row(3, 2026));
+  mdlYear::SaveHistory();
+  files_.locked.insert("usage");
+  EXPECT_EQ(mdlYear::HoldHistory(), nullptr);
+  EXPECT_EQ(log_.CountWith("Other runs may have changed the history"), 1);
+  EXPECT_EQ(Filled(), Months{3});
 }
 
 std::string YearBar(int height, const std::string& colour) {

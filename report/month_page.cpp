@@ -10,7 +10,6 @@
 #include "report/dates.h"
 #include "report/page_frame.h"
 #include "report/page_names.h"
-#include "report/replace_file.h"
 #include "stats/mdlMonth.h"
 
 namespace report {
@@ -43,7 +42,8 @@ std::string MonthPage::DownloadLink(std::string_view csv_name) const {
 
 int MonthPage::SaveCsv(std::string_view csv_name, const csv::Table& table) const {
   if (!with_csv_) return 0;
-  return ReplaceFile(csv::FileName(base_path_, csv_name), table.content());
+  return platform::TheFileSystem().ReplaceFile(csv::FileName(base_path_, csv_name),
+                                               table.content());
 }
 
 }  // namespace report

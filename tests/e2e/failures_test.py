@@ -280,7 +280,7 @@ class UsageTroubleTest(ProgramTest):
 
     def test_folder_in_the_place_of_the_history(self):
         os.mkdir(os.path.join(self.box.usage, "History.txt"))
-        self.assertEqual(self.batch().returncode, 0)
+        self.assertEqual(self.batch().returncode, 1)
         self.assertHistoryFailed()
         self.assertHits(1)
 

@@ -97,6 +97,8 @@ def history_content(dice, now):
         figures += [dice.choice([dice.randint(0, 10 ** 7), 0.5, 1e9]) for _ in range(8)]
         if dice.random() < 0.02:
             figures = figures[:dice.randint(0, 9)]
+        if dice.random() < 0.02:
+            figures[-1:] = [dice.choice([-1, "-nan", "inf", "1e15", "1e16", "-0"])]
         lines.append(",".join(map(str, figures)))
     return "".join(line + "\r\n" for line in lines).encode()
 

@@ -3,8 +3,10 @@
 #define HITWICK_TESTS_FAKES_FAKE_FILE_SYSTEM_H_
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -15,12 +17,14 @@
 
 #include "platform/file_system.h"
 #include "platform/names.h"
+#include "platform/temporary_name.h"
 
 namespace fakes {
 
 class FakeFileSystem : public platform::FileSystem {
  public:
   static constexpr int kNotFound = 2;  // the same number on every system
+  static constexpr int kIsFolder = 5;
   static constexpr int kExists = 17;
   // An operation on a file that goes wrong once `bytes` bytes have been read or appended.
   struct Failure {
@@ -79,16 +83,38 @@ class FakeFileSystem : public platform::FileSystem {
                                                       int* error) override {
     opened.push_back(path);
     *error = CodeOf(open_failures, path);
+    if (*error == 0 && FolderExists(path)) *error = kIsFolder;
     if (*error == 0 && !Exists(path)) *error = kNotFound;
     if (*error != 0) return nullptr;
     return std::make_unique<Input>(files[path], Scripted(read_failures, path), read_size_limit);
   }
 
-  std::unique_ptr<platform::OutputFile> CreateOutput(const std::string& path, int* error) override {
-    *error = CodeOf(create_failures, path);
-    if (*error == 0 && !FolderExists(FolderOf(path))) *error = kNotFound;
+  int ReplaceFile(const std::string& path, std::string_view content) override {
+    if (const int error = ReplacementError(path, content)) return error;
+    files[path] = std::string(content);
+    committed.push_back(path);
+    return 0;
+  }
+
+  void RemoveLeftOvers(const std::string& folder,
+                       const std::function<bool(std::string_view)>& is_target) override {
+    std::erase_if(files, [&](const auto& file) {
+      const std::string& path = file.first;
+      return FolderOf(path) == folder && is_target(platform::TargetOfTemporary(NameOf(path))) &&
+             being_built.count(path) == 0;
+    });
+  }
+
+  std::unique_ptr<platform::FolderLock> LockFolder(const std::string& folder,
+                                                   std::chrono::milliseconds patience,
+                                                   int* error) override {
+    *error = CodeOf(lock_failures, folder);
+    if (*error == 0 && !FolderExists(folder)) *error = kNotFound;
+    if (*error == 0 && locked.count(folder) != 0) *error = platform::kLockBusyError;
+    if (*error == platform::kLockBusyError) waited += patience;
     if (*error != 0) return nullptr;
-    return std::make_unique<Output>(this, path);
+    if (on_lock) on_lock();
+    return std::make_unique<Lock>(&locked, folder);
   }
 
   std::map<std::string, std::string> files;
@@ -100,10 +126,16 @@ class FakeFileSystem : public platform::FileSystem {
   std::map<std::string, int> commit_failures;
   std::map<std::string, Failure> read_failures;
   std::map<std::string, Failure> append_failures;
+  std::map<std::string, int> lock_failures;
   std::size_t read_size_limit = 0;  // the most bytes that one read gives; 0 sets no limit
 
   std::vector<std::string> opened;     // every path that was opened or tried, in order
   std::vector<std::string> committed;  // every file put in place, in order
+
+  std::set<std::string> being_built;    // temporary files that a live process has
+  std::set<std::string> locked;         // folders whose lock is taken
+  std::chrono::milliseconds waited{0};  // for locks that were not to be had
+  std::function<void()> on_lock;        // what other runs do before a lock is had
 
  private:
   class Input : public platform::InputFile {
@@ -129,33 +161,27 @@ class FakeFileSystem : public platform::FileSystem {
     std::size_t position_ = 0;
   };
 
-  class Output : public platform::OutputFile {
+  class Lock : public platform::FolderLock {
    public:
-    Output(FakeFileSystem* files, std::string path) : files_(files), path_(std::move(path)) {}
-
-    int Append(std::string_view bytes) override {
-      const Failure* failure = Scripted(files_->append_failures, path_);
-      if (failure != nullptr && content_.size() + bytes.size() > failure->bytes) {
-        error_ = failure->error;
-      }
-      if (error_ == 0) content_ += bytes;
-      return error_;
+    Lock(std::set<std::string>* locked, std::string folder)
+        : locked_(locked), folder_(std::move(folder)) {
+      locked_->insert(folder_);
     }
-
-    int Commit() override {
-      if (error_ == 0) error_ = CodeOf(files_->commit_failures, path_);
-      if (error_ != 0) return error_;
-      files_->files[path_] = content_;
-      files_->committed.push_back(path_);
-      return 0;
-    }
+    ~Lock() override { locked_->erase(folder_); }
 
    private:
-    FakeFileSystem* files_;
-    std::string path_;
-    std::string content_;
-    int error_ = 0;
+    std::set<std::string>* locked_;
+    std::string folder_;
   };
+
+  // Why a file cannot be replaced: it cannot be created, takes no more bytes, or cannot be moved.
+  int ReplacementError(const std::string& path, std::string_view content) const {
+    if (const int error = CodeOf(create_failures, path)) return error;
+    if (folders.count(FolderOf(path)) == 0) return kNotFound;
+    const Failure* failure = Scripted(append_failures, path);
+    if (failure != nullptr && content.size() > failure->bytes) return failure->error;
+    return CodeOf(commit_failures, path);
+  }
 
   static std::string FolderOf(const std::string& path) {
     const std::size_t separator = path.rfind(platform::kPathSeparator);

@@ -7,6 +7,7 @@ from .frame import END_OF_PAGE, days_of_period, footer_start, head, site_label
 from .months import ENGLISH_SHORT, link
 
 NUMBER = re.compile(r" *([+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?) *")
+LARGEST = 1e15
 ANNUAL_HEADER = "mon, yr, bytes, hits, pages, upages, responseTime, visitors, visits, files"
 
 
@@ -23,13 +24,13 @@ class Row:
 
 
 def _numbers(line):
-    """The leading ten numbers of a history line, or None."""
+    """The leading ten numbers of a history line, or None: none is negative or above the limit."""
     values = []
     for part in line.split(",")[:10]:
         match = NUMBER.fullmatch(part)
-        if not match:
+        if not match or not 0 <= float(match.group(1)) <= LARGEST:
             return None
-        values.append(float(match.group(1)))
+        values.append(float(match.group(1)) + 0.0)
     return values if len(values) == 10 else None
 
 
@@ -39,13 +40,22 @@ class History:
         self.slots = [Row(month, 0, *[0] * 8) for month in range(1, 13)]
 
     def load(self, content):
-        for line in content.decode("latin-1").replace("\r\n", "\n").split("\n"):
+        """Returns the number of the line at which the loading stopped with text left, or 0."""
+        lines = content.decode("latin-1").replace("\r\n", "\n").split("\n")
+        for number, line in enumerate(lines):
             values = _numbers(line)
             if values is None or not 1 <= values[0] <= 12:
-                return
-            self.add(Row(int(values[0]), int(values[1]), *values[2:]))
+                return number + 1 if "".join(lines[number:]).strip(" \t\r") else 0
+            self._put(Row(int(values[0]), int(values[1]), *values[2:]))
+        return 0
 
     def add(self, row):
+        """A month that this run has read. Its figures stay below what can be loaded again."""
+        for name in Row.NAMES[2:]:
+            setattr(row, name, min(getattr(row, name), LARGEST))
+        self._put(row)
+
+    def _put(self, row):
         this_year = self.today.year
         if row.yr == this_year or (row.yr == this_year - 1 and row.mon > self.today.month):
             self.slots[row.mon - 1] = row

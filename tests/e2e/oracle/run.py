@@ -2,6 +2,7 @@
 
 import datetime
 import os
+import re
 
 from . import basics, filters
 from .history import History, Row, index_page
@@ -61,7 +62,7 @@ class Run:
         stamp = "%s%s%02d:%02d" % (self.wall.isoformat(), sign, abs(self.wall_offset) // 60,
                                    abs(self.wall_offset) % 60)
         self.result.events.append(stamp + " " + level + " "
-                                  + text.replace("\r\n", "\n").replace("\n", "\\n"))
+                                  + _on_one_line(text))
 
     def inform(self, text):
         self._event("information", text)
@@ -148,7 +149,7 @@ class Run:
     def _run_period(self, content):
         self.inform("Hitwick: Logfiles will be read from " + self.log_dir)
         history = History(self.today)
-        history.load(content)
+        broken_line = history.load(content)
         reader = Reader(self.log_dir, 0 if self.use_utc else self.zone_bias, self.rules,
                         self.diagnostics, self.warn, self.inform)
         for month, year in self.period():
@@ -160,6 +161,11 @@ class Run:
             self._keep(base + ".htm", "".join(line + "\r\n" for line in lines))
             for name, text in csv_files.items():
                 self._keep(name, text)
+        if broken_line:
+            path = self.usage_dir + "/History."
+            self.warn("Hitwick: Line %d of %stxt is no row of the history; it and the lines below it "
+                      "are dropped. The file as it was is kept as %sold" % (broken_line, path, path))
+            self._keep("History.old", content.decode("latin-1"))
         for name, text in history.files(self.csv).items():
             self._keep(name, text)
         self.inform("Hitwick: Usage reports will be created in " + self.usage_dir)
@@ -167,6 +173,23 @@ class Run:
 
     def _keep(self, name, text):
         self.result.files[os.fsdecode(name.encode("latin-1"))] = text.encode("latin-1")
+
+
+# A character of UTF-8 from U+00A0 on, or a byte that a terminal might obey.
+MARKED = re.compile("[\xc3-\xdf][\x80-\xbf]|\xc2[\xa0-\xbf]|\xe0[\xa0-\xbf][\x80-\xbf]|"
+                    "[\xe1-\xef][\x80-\xbf]{2}|\xf0[\x90-\xbf][\x80-\xbf]{2}|"
+                    "[\xf1-\xf4][\x80-\xbf]{3}|[\x00-\x1f\x7f-\x9f\xc2]")
+
+
+def _on_one_line(text):
+    """An entry's text as the event log holds it."""
+    def written(match):
+        found = match.group(0)
+        if found == "\n":
+            return "\\n"
+        return found if len(found) > 1 else "\\x%02x" % ord(found)
+
+    return MARKED.sub(written, text.replace("\r\n", "\n"))
 
 
 def _site_name(value):
