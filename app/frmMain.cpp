@@ -1,7 +1,5 @@
 #include "app/frmMain.h"
 
-#include <iostream>
-
 #include "app/run_driver.h"
 #include "config/calendar.h"
 #include "config/mdlConfigs.h"
@@ -9,7 +7,9 @@
 #include "config/text.h"
 #include "logread/mdlFilters.h"
 #include "platform/clock.h"
+#include "platform/event_log.h"
 #include "platform/mod_systemInfo.h"
+#include "platform/standard_error.h"
 #include "platform/window_system.h"
 #include "stats/mdlWebPage.h"
 
@@ -30,8 +30,6 @@ bool version_wanted = false;
 
 bool windows_started = false;
 
-void WriteToStandardError(std::string_view text) { std::cerr << text << '\n' << std::flush; }
-
 // Starts the windows if they are not yet there. False with the reason when none can be shown.
 bool StartWindows(std::string* why_not) {
   if (!windows_started) windows_started = platform::TheWindowSystem().Start(why_not);
@@ -42,7 +40,7 @@ bool StartWindows(std::string* why_not) {
 bool StartWindowsOrTell(std::string_view consequence) {
   std::string why_not;
   if (StartWindows(&why_not)) return true;
-  WriteToStandardError("Hitwick: " + why_not + std::string(consequence));
+  platform::WriteStandardError("Hitwick: " + why_not + std::string(consequence));
   return false;
 }
 
@@ -118,7 +116,7 @@ void NameSite(std::string_view found) {
     return;
   }
   if (Run().BatchMode) mdlConfigs::LogWarning(kSiteSwitchFormat);
-  WriteToStandardError(std::string(program::kTitle).append(kSiteSwitchFormat));
+  platform::WriteStandardError(std::string(program::kTitle).append(kSiteSwitchFormat));
   start_window_unloaded = true;
 }
 
@@ -205,6 +203,8 @@ int StartUp(const std::string& command_line) {
 int Form_Load(const std::string& command_line) {
   const int exit_code = StartUp(command_line);
   Form_Terminate();
+  const bool unattended = Run().BatchMode || Run().CatchUpMode;
+  if (unattended && exit_code != kExitDone) platform::TheEventLog().TellOfFailure(exit_code);
   return exit_code;
 }
 

@@ -12,12 +12,12 @@
 namespace frmMain {
 
 // Exit codes of the program.
-inline constexpr int kExitDone = 0;        // all pages written
-inline constexpr int kExitFailed = 1;      // settings unusable, or a page could not be written
+inline constexpr int kExitDone = 0;        // all pages and the history written
+inline constexpr int kExitFailed = 1;      // settings unusable, or one of them not written
 inline constexpr int kExitNotStarted = 2;  // malformed site switch, or windows were asked for
 
 // The start-up sequence with the text after the program's name, and the run that it chose. Returns
-// the exit code.
+// the exit code; a batch or catch-up run that failed says so where somebody will see it.
 int Form_Load(const std::string& command_line);
 // Ends the windows, if they were started.
 void Form_Terminate();

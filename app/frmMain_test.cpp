@@ -440,6 +440,27 @@ TEST_F(StartUp, PageThatCannotBeWrittenShowsInTheExitCode) {
   files_.create_failures[PageOfMonth(1)] = 5;
   EXPECT_EQ(Form_Load("/B"), frmMain::kExitFailed);
   EXPECT_TRUE(files_.Exists(UsagePath("index.htm"))) << "the run goes on";
+  EXPECT_EQ(log_.failures, std::vector<int>{frmMain::kExitFailed});
+}
+
+TEST_F(StartUp, HistoryThatCannotBeReadShowsInTheExitCode) {
+  files_.AddFile(UsagePath("History.txt"), "11,2025,1000,7,3,2,50,4,5,6\r\n");
+  files_.open_failures[UsagePath("History.txt")] = 13;
+  EXPECT_EQ(Form_Load("/B"), frmMain::kExitFailed);
+  EXPECT_TRUE(files_.Exists(PageOfMonth(1)));
+  EXPECT_TRUE(files_.Exists(UsagePath("index.htm")));
+}
+
+TEST_F(StartUp, RunsThatNobodyWatchesSayThatTheyFailed) {
+  Form_Load("/B");
+  EXPECT_TRUE(log_.failures.empty());
+  Form_Load("");
+  EXPECT_TRUE(log_.failures.empty()) << "somebody is there";
+  store_.Put("INI", "UsageDir", "missing");
+  State() = {};
+  Form_Load("/C");
+  Form_Load("/B /SITE");
+  EXPECT_EQ(log_.failures, (std::vector<int>{frmMain::kExitFailed, frmMain::kExitNotStarted}));
 }
 
 }  // namespace

@@ -1,16 +1,21 @@
 #include "platform/event_log.h"
 
 #include <fcntl.h>
-#include <unistd.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 
 #include <array>
-#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
 #include <string>
 
+#include "platform/descriptor_linux.h"
+#include "platform/file_replacement_linux.h"
+#include "platform/one_line_linux.h"
 #include "platform/service.h"
+#include "platform/settings_store.h"
+#include "platform/standard_error.h"
 #include "platform/user_folders_linux.h"
 
 namespace platform {
@@ -31,73 +36,90 @@ std::string Timestamp() {
   return text.data();
 }
 
-// The text with its line breaks written as `\n`.
-std::string OnOneLine(std::string_view text) {
-  std::string line;
-  line.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\n') {
-      line += "\\n";
-    } else if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n') {
-      line += text[i];
-    }
-  }
-  return line;
-}
-
-// Entries may quote a log; its control bytes must not reach the user's terminal.
-std::string Printable(std::string text) {
-  for (char& c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7F) c = '?';
-  }
-  return text;
-}
-
-// Writes a whole line in one call, so that lines of several processes do not mix.
-bool WriteLine(int file, const std::string& line) {
-  ssize_t written = 0;
-  do {
-    written = write(file, line.data(), line.size());
-  } while (written < 0 && errno == EINTR);
-  return written == static_cast<ssize_t>(line.size());
-}
-
 class EventLogFile : public EventLog {
  public:
-  ~EventLogFile() override { Close(); }
-
   void Write(EventLevel level, std::string_view text) override {
+    const bool warning = level == EventLevel::kWarning;
     const std::string line = OnOneLine(text);
-    const char* level_name = level == EventLevel::kWarning ? " warning " : " information ";
-    const bool stored = Open() && WriteLine(file_, Timestamp() + level_name + line + "\n");
-    if (!stored || isatty(STDERR_FILENO) != 0) {
-      WriteLine(STDERR_FILENO, Printable(line) + "\n");
-    }
+    if (warning) last_warning_ = line;
+    const bool stored =
+        Store(Timestamp() + (warning ? " warning " : " information ") + line + "\n");
+    if (!stored || StandardErrorIsTerminal()) WriteStandardError(line);
+  }
+
+  void TellOfFailure(int exit_code) override {
+    if (StandardErrorIsTerminal()) return;
+    const std::string reason = !last_warning_.empty() ? last_warning_
+                                                      : std::string(kSettingsApplication) +
+                                                            ": The run ended with exit code " +
+                                                            std::to_string(exit_code);
+    const std::string path = Path();
+    WriteStandardError(path.empty() ? reason : reason + " (event log: " + path + ")");
   }
 
  private:
-  // Opens the file that the environment names now, unless it is the one that is open already.
-  bool Open() {
+  static constexpr off_t kMostBytes = 10'000'000;
+
+  static std::string Folder() {
     const std::string state_folder = UserFolder("XDG_STATE_HOME", ".local/state");
-    if (state_folder.empty()) return false;
-    const std::string folder = state_folder + "/hitwick";
-    if (file_ >= 0 && folder == folder_) return true;
-    Close();
+    return state_folder.empty() ? std::string() : state_folder + "/hitwick";
+  }
+  static std::string Path() {
+    const std::string folder = Folder();
+    return folder.empty() ? folder : folder + "/events.log";
+  }
+
+  // A line is written in one call, so that those of several processes do not mix.
+  bool Store(const std::string& line) {
+    if (!Open()) return false;
+    MakeRoom(line.size());
+    return file_.IsOpen() && WriteAll(file_.get(), line) == 0;
+  }
+
+  // Opens the file that the environment names now, unless it is the one that is open already:
+  // another process may have moved that one away.
+  bool Open() {
+    const std::string folder = Folder();
+    std::string path;
+    if (folder.empty() || FollowLinks(Path(), &path) != 0) return false;
+    if (path == path_ && IsStillAt(path)) return true;
+    file_.Close();
+    path_ = path;
     if (MakeFolders(folder) != 0) return false;
-    file_ = open((folder + "/events.log").c_str(),
-                 O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644);
-    folder_ = folder;
-    return file_ >= 0;
+    file_ = Descriptor(
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644));
+    return file_.IsOpen();
   }
 
-  void Close() {
-    if (file_ >= 0) close(file_);
-    file_ = -1;
+  bool IsStillAt(const std::string& path) const {
+    struct stat ours {};
+    struct stat there {};
+    return file_.IsOpen() && fstat(file_.get(), &ours) == 0 && stat(path.c_str(), &there) == 0 &&
+           ours.st_dev == there.st_dev && ours.st_ino == there.st_ino;
   }
 
-  int file_ = -1;
-  std::string folder_;
+  bool IsFull(std::size_t more) const {
+    struct stat status {};
+    return fstat(file_.get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+           status.st_size + static_cast<off_t>(more) > kMostBytes;
+  }
+
+  // Moves a file that is full out of the way. Only the holder of the file's own lock does, and
+  // only while the name is still this file's: two processes would else move the full file and
+  // then the new one over it. An entry that is under way in another process ends up in the moved
+  // file; where the move fails the file just grows.
+  void MakeRoom(std::size_t more) {
+    if (!IsFull(more)) return;
+    if (flock(file_.get(), LOCK_EX | LOCK_NB) == 0) {
+      if (IsStillAt(path_)) std::rename(path_.c_str(), (path_ + ".1").c_str());
+      flock(file_.get(), LOCK_UN);
+    }
+    Open();
+  }
+
+  Descriptor file_;
+  std::string path_;  // of the file that is open, links followed
+  std::string last_warning_;
 };
 
 }  // namespace

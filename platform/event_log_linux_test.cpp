@@ -76,7 +76,62 @@ TEST_F(LinuxEventLogTest, TheZoneOffsetIsThatOfTheWallClock) {
 
 TEST_F(LinuxEventLogTest, LineBreaksAreWrittenAsTwoCharacters) {
   Inform("a\nb\r\nc\rd\r\n");
-  EXPECT_EQ(WithoutTime(Log()), " information a\\nb\\nc\rd\\n\n");
+  EXPECT_EQ(WithoutTime(Log()), " information a\\nb\\nc\\x0dd\\n\n");
+}
+
+TEST_F(LinuxEventLogTest, ControlCharactersAreEscaped) {
+  Inform("/a\x1b]0;owned\a\tb");
+  EXPECT_EQ(WithoutTime(Log()), " information /a\\x1b]0;owned\\x07\\x09b\n");
+}
+
+TEST_F(LinuxEventLogTest, AFullFileMovesAndANewOneBegins) {
+  const std::string path = folder_ / "state/hitwick/events.log";
+  const std::string full(10'000'000 - 100, 'x');
+  fakes::WriteFile(path, full + "\n");
+  fakes::WriteFile(path + ".1", "an older one");
+  Inform("short");
+  EXPECT_GT(Log().size(), full.size()) << "there was room for it";
+  Inform(std::string(100, 'y'));
+  EXPECT_EQ(WithoutTime(Log()), " information " + std::string(100, 'y') + "\n");
+  EXPECT_EQ(fakes::ReadFile(path + ".1").substr(0, full.size()), full);
+  EXPECT_NE(fakes::ReadFile(path + ".1").find("short\n"), std::string::npos);
+}
+
+TEST_F(LinuxEventLogTest, AFileThatWasMovedAwayIsLeftAlone) {
+  const std::string path = folder_ / "state/hitwick/events.log";
+  Inform("first");
+  std::filesystem::rename(path, path + ".1");
+  Inform("second");
+  EXPECT_EQ(WithoutTime(Log()), " information second\n");
+}
+
+TEST_F(LinuxEventLogTest, AFullFileThatCannotMoveGrows) {
+  const std::string path = folder_ / "state/hitwick/events.log";
+  fakes::WriteFile(path, std::string(10'000'000, 'x') + "\n");
+  std::filesystem::create_directories(path + ".1/in the way");
+  Inform("not lost");
+  EXPECT_NE(Log().find("not lost\n"), std::string::npos);
+}
+
+TEST_F(LinuxEventLogTest, ALinkStaysAndItsFileMoves) {
+  const std::string target = folder_ / "elsewhere/hitwick.log";
+  fakes::WriteFile(target, std::string(10'000'000, 'x') + "\n");
+  std::filesystem::create_directories(folder_ / "state/hitwick");
+  std::filesystem::create_symlink(target, folder_ / "state/hitwick/events.log");
+  Inform("new");
+  EXPECT_EQ(WithoutTime(fakes::ReadFile(target)), " information new\n");
+  EXPECT_TRUE(std::filesystem::exists(target + ".1"));
+}
+
+TEST_F(LinuxEventLogTest, AFailedRunIsToldWithTheLastWarning) {
+  TheEventLog().Write(EventLevel::kWarning, "Hitwick: first");
+  TheEventLog().Write(EventLevel::kWarning, "Hitwick: last\nof \x1bthem");
+  Inform("Hitwick: no warning");
+  testing::internal::CaptureStderr();
+  TheEventLog().TellOfFailure(1);
+  EXPECT_EQ(
+      testing::internal::GetCapturedStderr(),
+      "Hitwick: last\\nof \\x1bthem (event log: " + (folder_ / "state/hitwick/events.log") + ")\n");
 }
 
 TEST_F(LinuxEventLogTest, TheFileIsForItsOwnerToWrite) {

@@ -4,6 +4,7 @@
 
 #include "platform/event_text_windows.h"
 #include "platform/service.h"
+#include "platform/standard_error.h"
 #include "platform/utf16_windows.h"
 
 namespace platform {
@@ -28,8 +29,10 @@ class ApplicationEventLog : public EventLog {
 
   void Write(EventLevel level, std::string_view text) override {
     const bool stored = Report(level, EventText(text));
-    if (!stored || StandardErrorIsConsole()) WriteStandardError(text);
+    if (!stored || StandardErrorIsTerminal()) WriteStandardError(text);
   }
+
+  void TellOfFailure(int /*exit_code*/) override {}
 
  private:
   bool Report(EventLevel level, const std::wstring& text) {

@@ -1,25 +1,17 @@
 #include "platform/message_box.h"
 
-#include <cstdio>
-#include <string>
-
 #include "platform/service.h"
+#include "platform/standard_error.h"
 
 namespace platform {
 namespace {
 
-void WriteToStandardError(std::string_view text) {
-  const std::string line = std::string(text) + "\n";
-  std::fwrite(line.data(), 1, line.size(), stderr);
-  std::fflush(stderr);
-}
-
 class StandardError : public MessageBoxes {
  public:
-  void Show(std::string_view text) override { WriteToStandardError(text); }
+  void Show(std::string_view text) override { WriteStandardError(text); }
 
   bool AskYesNo(std::string_view /*caption*/, std::string_view text) override {
-    WriteToStandardError(text);
+    WriteStandardError(text);
     return false;
   }
 };

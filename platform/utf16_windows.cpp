@@ -21,21 +21,4 @@ std::string ToUtf8(std::wstring_view text) {
   return narrow;
 }
 
-bool StandardErrorIsConsole() {
-  DWORD mode = 0;
-  return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
-}
-
-void WriteStandardError(std::string_view text) {
-  const HANDLE standard_error = GetStdHandle(STD_ERROR_HANDLE);
-  DWORD written = 0;
-  if (StandardErrorIsConsole()) {
-    const std::wstring line = ToUtf16(text) + L"\r\n";
-    WriteConsoleW(standard_error, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
-  } else {
-    const std::string line = std::string(text) + "\n";
-    WriteFile(standard_error, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
-  }
-}
-
 }  // namespace platform

@@ -1,5 +1,4 @@
-// Between the program's byte strings (UTF-8) and the UTF-16 that the wide half of Windows takes,
-// and the way of a text to standard error.
+// Between the program's byte strings (UTF-8) and the UTF-16 that the wide half of Windows takes.
 //
 // No state. Used only by the Windows implementations of this folder.
 #ifndef HITWICK_PLATFORM_UTF16_WINDOWS_H_
@@ -13,12 +12,6 @@ namespace platform {
 // Bytes that are not UTF-8, and halves of surrogate pairs, become U+FFFD; nothing fails.
 std::wstring ToUtf16(std::string_view text);
 std::string ToUtf8(std::wstring_view text);
-
-// True when standard error is a console window and not a file or a pipe.
-bool StandardErrorIsConsole();
-// Writes `text` and a line break to standard error, to a console in its own encoding. Does nothing
-// when the process has no standard error.
-void WriteStandardError(std::string_view text);
 
 }  // namespace platform
 

@@ -23,6 +23,8 @@ class RecordingEventLog : public platform::EventLog {
     entries.push_back({level, std::string(text)});
   }
 
+  void TellOfFailure(int exit_code) override { failures.push_back(exit_code); }
+
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
     for (const Entry& entry : entries) texts.push_back(entry.text);
@@ -53,6 +55,7 @@ class RecordingEventLog : public platform::EventLog {
   void Clear() { entries.clear(); }
 
   std::vector<Entry> entries;
+  std::vector<int> failures;  // exit codes of the runs that were told to have failed
 };
 
 }  // namespace fakes
