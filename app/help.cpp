@@ -16,7 +16,7 @@ Usage: hitwick SWITCH...
 constexpr std::string_view kAfter =
     R"(
 A switch is recognised anywhere in an argument, in any letter case; /B is enough for /BATCH.
-Exit code: 0 all pages written, 1 settings unusable or a page not written, 2 not started.
+Exit code: 0 pages and history written, 1 settings unusable or a file not written, 2 not started.
 )";
 
 void AddLine(std::string& text, std::string_view spelling, std::string_view help) {
