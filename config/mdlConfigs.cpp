@@ -167,6 +167,10 @@ void TellUser(std::string_view text, const std::string& place) {
   TellUser(place.empty() ? std::string(text) : std::string(text) + "\n" + place);
 }
 
+void StayResponsive() {
+  if (Run().Ui.stay_responsive) Run().Ui.stay_responsive();
+}
+
 void ShowStatus(const std::string& text) {
   if (!Run().BatchMode && Run().Ui.show_status) Run().Ui.show_status(text);
 }

@@ -31,6 +31,7 @@ struct Progress {
   std::function<void(const std::string&)> show_status;  // the current activity, one line
   std::function<void(int done, int all)> show_months_done;
   std::function<void()> process_pending_events;  // lets the windows react
+  std::function<void()> stay_responsive;         // the same, called often and in mid-work
   bool quit_requested = false;                   // the quit button was pressed
 };
 
@@ -65,6 +66,9 @@ void TellUser(std::string_view text);
 // The same for a text that names a key of the registry, with a line more that says where it is
 // when it is elsewhere: `place` as the settings store words it.
 void TellUser(std::string_view text, const std::string& place);
+// Lets the windows be painted and moved in the middle of long work; without windows it does
+// nothing.
+void StayResponsive();
 // Shows the current activity in the configuration window's label unless in batch mode.
 void ShowStatus(const std::string& text);
 

@@ -159,6 +159,7 @@ void ReadLines(logread::LineReader& lines, const PeriodArguments& period) {
   while (!QuitRequested() && lines.NextBlock()) {
     while (!QuitRequested() && lines.Next(&Reading().line)) ReadLine(period);
     AddWaitingRecords();
+    mdlConfigs::StayResponsive();
   }
 }
 

@@ -303,6 +303,28 @@ TEST_F(StatusAndQuit, PendingEventsAreProcessedOncePerFileAfterItsOpening) {
   EXPECT_EQ(opened_at_event, (std::vector<std::size_t>{1, 2}));
 }
 
+TEST_F(StatusAndQuit, WindowsStayResponsiveWhileALongFileIsRead) {
+  std::vector<float> hits_at_call;
+  State().Ui.stay_responsive = [&] { hits_at_call.push_back(mdlMonth::Month().TotalHits); };
+  std::string log = "#Fields: c-ip cs-uri-stem\n";
+  for (int line = 0; line < 60000; ++line) log += "a /x\n";
+  AddLog("ex070115.log", log);
+  Read(1, 2007);
+  ASSERT_GT(hits_at_call.size(), 2U);
+  EXPECT_GT(hits_at_call.front(), 0);
+  EXPECT_LT(hits_at_call.front(), 60000);
+}
+
+TEST_F(StatusAndQuit, QuitInMidFileEndsTheReading) {
+  State().Ui.stay_responsive = [] { State().Ui.quit_requested = true; };
+  std::string log = "#Fields: c-ip cs-uri-stem\n";
+  for (int line = 0; line < 60000; ++line) log += "a /x\n";
+  AddLog("ex070115.log", log);
+  Read(1, 2007);
+  EXPECT_LT(mdlMonth::Month().TotalHits, 60000);
+  EXPECT_TRUE(rows_.empty());
+}
+
 TEST_F(StatusAndQuit, RequestTakesEffectAtTheFirstLineOfTheFileWhereItArrives) {
   int events = 0;
   State().Ui.process_pending_events = [&events] {

@@ -10,12 +10,17 @@
 #include <thread>
 #include <utility>
 
+#include "config/mdlConfigs.h"
+
 namespace name_lookups {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 using platform::HostNames;
 using platform::LookupResult;
+
+// How long the calling thread waits before it lets the windows react.
+constexpr std::chrono::milliseconds kPatienceOfWindows{50};
 
 // Every thread that has not ended yet.
 std::atomic<std::size_t> threads = 0;
@@ -142,11 +147,14 @@ void Questions::StartThreads() {
 }
 
 void Questions::WaitForChange(std::unique_lock<std::mutex>& lock) {
-  Clock::time_point wake = Clock::now() + longest_wait_;
+  Clock::time_point wake = Clock::now() + std::min(longest_wait_, kPatienceOfWindows);
   for (const Slot& slot : slots_) {
     if (slot.waited_for) wake = std::min(wake, slot.overdue);
   }
   changed_.wait_until(lock, wake);
+  lock.unlock();
+  mdlConfigs::StayResponsive();
+  lock.lock();
 }
 
 void Questions::LeaveOverdueBehind() {

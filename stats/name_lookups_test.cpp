@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "config/mdlConfigs.h"
 #include "platform/service.h"
 #include "tests/fakes/fake_host_names.h"
 
@@ -63,6 +64,15 @@ TEST_F(NameLookups, AnswersStandInTheOrderOfTheAddresses) {
   EXPECT_EQ(answers[7]->result, LookupResult::kNoName);
   EXPECT_EQ(answers[9]->result, LookupResult::kFailed);
   EXPECT_EQ(answers[9]->error, "Broken");
+}
+
+TEST_F(NameLookups, WindowsStayResponsiveWhileTheResolverIsSilent) {
+  int calls = 0;
+  mdlConfigs::Run().Ui.stay_responsive = [&calls] { ++calls; };
+  resolver_.hanging = {Addresses(1).front()};
+  AskAll(Addresses(1), false, milliseconds(300));
+  mdlConfigs::ResetRun();
+  EXPECT_GE(calls, 3);
 }
 
 TEST_F(NameLookups, NothingToAskIsNoTrouble) { EXPECT_TRUE(AskAll({}).empty()); }

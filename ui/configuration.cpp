@@ -16,6 +16,7 @@ using enum ConfigControl;
 using mdlConfigs::Run;
 
 constexpr std::int32_t kLargestListSize = 29999;
+constexpr std::chrono::milliseconds kEventInterval{50};
 constexpr std::int32_t kDefaultListSize = 100;
 constexpr int kCatchUpMonths = 13;
 
@@ -58,6 +59,15 @@ void Configuration::HookRun() {
   Run().Ui.show_status = [this](const std::string& text) { view_.ShowStatus(text); };
   Run().Ui.show_months_done = [this](int done, int all) { view_.ShowProgress(done, all); };
   Run().Ui.process_pending_events = [this] { view_.ProcessEvents(); };
+  Run().Ui.stay_responsive = [this] { ProcessEventsNowAndThen(); };
+}
+
+// Looking for events after every few thousand lines would cost more than reading them.
+void Configuration::ProcessEventsNowAndThen() {
+  const auto now = std::chrono::steady_clock::now();
+  if (now - events_processed_ < kEventInterval) return;
+  view_.ProcessEvents();
+  events_processed_ = std::chrono::steady_clock::now();
 }
 
 void Configuration::Form_Load() {

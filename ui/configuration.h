@@ -7,6 +7,7 @@
 #ifndef HITWICK_UI_CONFIGURATION_H_
 #define HITWICK_UI_CONFIGURATION_H_
 
+#include <chrono>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -128,10 +129,12 @@ class Configuration {
 
  private:
   void HookRun();
+  void ProcessEventsNowAndThen();
   void EnableAll(std::initializer_list<ConfigControl> controls, bool enabled);
   bool Save();
 
   ConfigurationView& view_;
+  std::chrono::steady_clock::time_point events_processed_;
   std::string frame_caption_;
   FolderList log_folders_;
   FolderList usage_folders_;

@@ -383,6 +383,18 @@ TEST_F(ConfigurationTest, ScheduleAddRegistersTheSiteInUse) {
   EXPECT_EQ(tasks_.scheduled.front().name, "web1-Hitwick-023000");
 }
 
+TEST_F(ConfigurationTest, EventsInMidWorkAreProcessedNowAndThen) {
+  Load();
+  const auto begin = std::chrono::steady_clock::now();
+  int calls = 0;
+  while (view_.events < 3) {
+    State().Ui.stay_responsive();
+    ++calls;
+  }
+  EXPECT_GT(calls, 3);
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(100));
+}
+
 TEST_F(ConfigurationTest, AClosedWindowHearsNothingMore) {
   {
     FakeView view;
@@ -390,6 +402,7 @@ TEST_F(ConfigurationTest, AClosedWindowHearsNothingMore) {
   }
   EXPECT_FALSE(State().Ui.show_status);
   EXPECT_FALSE(State().Ui.process_pending_events);
+  EXPECT_FALSE(State().Ui.stay_responsive);
 }
 
 }  // namespace
