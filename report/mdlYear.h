@@ -2,8 +2,8 @@
 //
 // State: twelve `HistoryRow` slots by calendar month, filled by `LoadHistory` before a run's first
 // month and by the log reader with each finished month, saved after the last; and which of them
-// this run has reported. Other runs may work on the same usage folder: a save keeps their rows. The page
-// stands in year_page.cpp.
+// this run has reported. Other runs may work on the same usage folder: a save keeps their rows. The
+// page stands in year_page.cpp.
 #ifndef HITWICK_REPORT_MDLYEAR_H_
 #define HITWICK_REPORT_MDLYEAR_H_
 
