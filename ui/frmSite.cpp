@@ -58,6 +58,7 @@ void frmSite::BindEvents() {
   btnAdd->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { btnAdd_Click(); });
   btnQuit->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { btnQuit_Click(); });
   btnRemove->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { btnRemove_Click(); });
+  txtAdd->Bind(wxEVT_CHAR, [this](wxKeyEvent& event) { RefuseCharacter(event); });
   txtAdd->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { txtAdd_Change(); });
   txtAdd->Bind(wxEVT_TEXT_ENTER, [this](wxCommandEvent&) { btnAdd_Click(); });
 }
@@ -94,6 +95,19 @@ void frmSite::btnQuit_Click() {
 }
 
 void frmSite::btnRemove_Click() { ShowSites(ui::site_selection::btnRemove_Click(ChosenSite())); }
+
+// A typed character that would be removed again is not let in at all: the toolkit places the cursor
+// of a changed text late, and fast typing would go on in the wrong place.
+void frmSite::RefuseCharacter(wxKeyEvent& event) {
+  const wxUniChar character(event.GetUnicodeKey());
+  const std::string typed(1, character.IsAscii() ? static_cast<char>(character) : '?');
+  const bool plain = character >= ' ' && !event.HasModifiers();
+  if (plain && ui::site_selection::txtAdd_Change(typed).empty()) {
+    txtAdd->SetInsertionPointEnd();
+  } else {
+    event.Skip();
+  }
+}
 
 void frmSite::txtAdd_Change() {
   const wxString text = txtAdd->GetValue();

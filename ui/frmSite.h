@@ -24,6 +24,7 @@ class frmSite : public wxDialog {
   void btnAdd_Click();
   void btnQuit_Click();
   void btnRemove_Click();
+  void RefuseCharacter(wxKeyEvent& event);
   void txtAdd_Change();
 
   std::vector<std::string> sites_;  // the entries of `lstSites`, byte for byte
