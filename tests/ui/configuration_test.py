@@ -42,7 +42,8 @@ class LoadTest(UiTest):
     def test_missing_logs_are_told_and_the_window_opens(self):
         shutil.rmtree(self.desk.logs)
         program = self.start("/SITE=web1")
-        self.assertBox(program, expected.no_logs_on_load(self.desk.logs))
+        self.assertBox(program, expected.in_a_box(
+            expected.no_logs_on_load(self.desk.logs), self.desk.config))
         program.window()
         for name in ALWAYS_USABLE:
             self.assertTrue(program.button(name).enabled, name)
@@ -64,7 +65,8 @@ class LoadTest(UiTest):
     def test_missing_usage_folder_is_told_and_the_rest_is_loaded(self):
         shutil.rmtree(self.desk.usage)
         program = self.start("/SITE=web1")
-        self.assertBox(program, expected.no_usage_on_load(self.desk.usage))
+        self.assertBox(program, expected.in_a_box(
+            expected.no_usage_on_load(self.desk.usage), self.desk.config))
         program.window()
         self.assertEqual(program.text_box(expected.LIST_SIZE).text, "55")
         self.assertTrue(program.check_box(expected.CSV).checked)
@@ -77,7 +79,8 @@ class LoadTest(UiTest):
 
     def test_a_new_site_has_its_defaults(self):
         program = self.start("/SITE=new1")
-        self.assertBox(program, expected.no_logs_on_load(expected.DEFAULT_LOGS, "new1"))
+        self.assertBox(program, expected.in_a_box(
+            expected.no_logs_on_load(expected.DEFAULT_LOGS, "new1"), self.desk.config, "new1"))
         program.window()
         self.assertTrue(program.find_all(expected.FRAME, "Configuration (new1)", CONFIGURATION))
         self.assertNotIn("IISLogDir", self.desk.stored("new1"))

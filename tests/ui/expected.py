@@ -157,6 +157,11 @@ def no_usage_on_load(folder, site="web1"):
             "registry '%s%s\\UsageDir'." % (folder, REGISTRY, site))
 
 
+def in_a_box(text, settings_file, site="web1"):
+    """A box that names the registry says where that is on this system."""
+    return "%s\nOn this system that is section [%s] of %s" % (text, site, settings_file)
+
+
 def no_logs_on_save(folder):
     return "No IIS log files found in '%s'; Normal location is %s" % (folder, DEFAULT_LOGS)
 

@@ -105,7 +105,8 @@ class SiteTest(UiTest):
         self.new_name(program).fill("web 2/b")
         self.new_name(program).wait_text("web2b")
         self.press(program, "Add")
-        self.assertBox(program, expected.no_logs_on_load(expected.DEFAULT_LOGS, "web2b"))
+        self.assertBox(program, expected.in_a_box(
+            expected.no_logs_on_load(expected.DEFAULT_LOGS, "web2b"), self.desk.config, "web2b"))
         self.assertWorksOn(program, "web2b")
 
     def ask_removal(self, program, site):

@@ -29,7 +29,8 @@ class WalkTest(UiTest):
 
     def first_start(self):
         program = self.start()
-        self.assertBox(program, expected.no_logs_on_load(expected.DEFAULT_LOGS, "INI"))
+        self.assertBox(program, expected.in_a_box(
+            expected.no_logs_on_load(expected.DEFAULT_LOGS, "INI"), self.desk.config, "INI"))
         program.window()
         return program
 
