@@ -11,6 +11,7 @@ import tempfile
 
 import frozen_clock
 
+LEAKS_OF_OTHERS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "leaks.supp")
 SITE_VALUES = {"IISLogDir": "@ROOT@/logs", "UsageDir": "@ROOT@/usage"}
 
 
@@ -103,6 +104,8 @@ class Sandbox:
         for name, value in os.environ.items():
             if name.startswith(("UBSAN_", "LSAN_")):
                 env[name] = value
+        env["LSAN_OPTIONS"] = (os.environ.get("LSAN_OPTIONS", "") +
+                               ":print_suppressions=0:suppressions=" + LEAKS_OF_OTHERS)
         # The frozen clock is preloaded, which a sanitizer takes for a mistake unless told.
         env["ASAN_OPTIONS"] = os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"
         env.update({name: self.placed(value) for name, value in (extra or {}).items()})

@@ -20,8 +20,7 @@ def run(command, environment, epoch=None):
     environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8",
                    "RES_OPTIONS": "timeout:1 attempts:1", **environment}
     if epoch is not None:
-        # Files keep their own times, or Wine believes itself outdated.
-        environment.update(frozen_clock.environment(epoch), NO_FAKE_STAT="1")
+        environment.update(frozen_clock.environment(epoch))
     result = subprocess.run([str(part) for part in command], env=environment,
                             timeout=TIMEOUT_SECONDS, stdin=subprocess.DEVNULL,
                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
