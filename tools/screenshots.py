@@ -104,7 +104,9 @@ class Desk:
         self.xdotool("mousemove", *self.corner)  # away from all tool tips
         time.sleep(0.6)
         parent = self.frame_of(window)
-        subprocess.run(["import", "-window", parent, file], env=self.environment, check=True)
+        # Without its window the tool waits for a click on another one.
+        subprocess.run(["import", "-window", parent, file], env=self.environment, check=True,
+                       timeout=20)
 
     def frame_of(self, window):
         """The window manager's frame around a window, so that the picture has its title."""
@@ -169,7 +171,7 @@ def shoot(desk, pictures, suffix, scale, wanted):
     desk.key("Escape")
     desk.window(main)
     desk.key("alt+c")
-    with contextlib.suppress(subprocess.CalledProcessError, RuntimeError):
+    with contextlib.suppress(subprocess.SubprocessError, RuntimeError):
         take(main, "run")  # it may be over before the picture is taken
     program.wait(120)
 
