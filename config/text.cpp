@@ -14,6 +14,16 @@ std::size_t SkipDigits(std::string_view text, std::size_t from) {
 }
 
 template <class Integer>
+std::optional<Integer> ToInteger(double value) {
+  const double rounded = std::nearbyint(value);
+  if (rounded < std::numeric_limits<Integer>::min() ||
+      rounded > std::numeric_limits<Integer>::max()) {
+    return std::nullopt;
+  }
+  return static_cast<Integer>(rounded);
+}
+
+template <class Integer>
 std::optional<Integer> ToInteger(std::string_view text, bool signs) {
   // Numbers of a log are short runs of digits: no fraction, no sign, nothing to round.
   if (!text.empty() && text.size() <= 9 && SkipDigits(text, 0) == text.size()) {
@@ -22,11 +32,7 @@ std::optional<Integer> ToInteger(std::string_view text, bool signs) {
     if (value > std::numeric_limits<Integer>::max()) return std::nullopt;
     return static_cast<Integer>(value);
   }
-  const double value = std::nearbyint(NumericValue(text, signs));
-  if (value < std::numeric_limits<Integer>::min() || value > std::numeric_limits<Integer>::max()) {
-    return std::nullopt;
-  }
-  return static_cast<Integer>(value);
+  return ToInteger<Integer>(NumericValue(text, signs));
 }
 
 }  // namespace
@@ -59,6 +65,8 @@ double NumericValue(std::string_view text, bool signs) {
 std::optional<std::int16_t> ToInt16(std::string_view text, bool signs) {
   return ToInteger<std::int16_t>(text, signs);
 }
+
+std::optional<std::int16_t> ToInt16(double value) { return ToInteger<std::int16_t>(value); }
 
 std::optional<std::int32_t> ToInt32(std::string_view text, bool signs) {
   return ToInteger<std::int32_t>(text, signs);

@@ -41,6 +41,8 @@ double NumericValue(std::string_view text, bool signs = false);
 // The numeric value rounded half to even; nothing when it does not fit the integer type.
 std::optional<std::int16_t> ToInt16(std::string_view text, bool signs = false);
 std::optional<std::int32_t> ToInt32(std::string_view text, bool signs = false);
+// A finite number likewise.
+std::optional<std::int16_t> ToInt16(double value);
 
 // `text` with `&`, `<`, `>` and `"` as character references, for what a user typed or a name
 // server sent. Log text is not passed through this: the tokeniser has made it harmless.

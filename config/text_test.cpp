@@ -114,6 +114,13 @@ TEST(ToInt32, LeadingZerosDoNotCount) {
   EXPECT_EQ(text::ToInt32(std::string(1000, '0') + "12"), 12);
 }
 
+TEST(ToInt16, NumbersAreRoundedHalfToEvenLikewise) {
+  EXPECT_EQ(text::ToInt16(2.5), std::int16_t{2});
+  EXPECT_EQ(text::ToInt16(-32768.5), std::int16_t{-32768});
+  EXPECT_EQ(text::ToInt16(32767.5), std::nullopt);
+  EXPECT_EQ(text::ToInt16(1e300), std::nullopt);
+}
+
 TEST(ToInt16, NothingBeyondTheLimits) {
   EXPECT_EQ(text::ToInt16("32767"), std::int16_t{32767});
   EXPECT_EQ(text::ToInt16("32767.4"), std::int16_t{32767});

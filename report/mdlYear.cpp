@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
-#include <limits>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -60,15 +59,6 @@ std::optional<double> ParseNumber(std::string_view field) {
   return value + 0.0;  // no minus before a zero
 }
 
-std::optional<std::int16_t> ToInt16(double value) {
-  const double rounded = numbers::Round(value);
-  if (rounded < std::numeric_limits<std::int16_t>::min() ||
-      rounded > std::numeric_limits<std::int16_t>::max()) {
-    return std::nullopt;
-  }
-  return static_cast<std::int16_t>(rounded);
-}
-
 // The row of one line; nothing when the line is not a row of the history.
 std::optional<HistoryRow> ParseLine(std::string_view line) {
   std::array<double, kFields> values;
@@ -80,8 +70,8 @@ std::optional<HistoryRow> ParseLine(std::string_view line) {
     values[i] = *value;
     line = comma == std::string_view::npos ? std::string_view() : line.substr(comma + 1);
   }
-  const std::optional<std::int16_t> mon = ToInt16(values[0]);
-  const std::optional<std::int16_t> yr = ToInt16(values[1]);
+  const std::optional<std::int16_t> mon = text::ToInt16(values[0]);
+  const std::optional<std::int16_t> yr = text::ToInt16(values[1]);
   if (!mon || !yr || *mon < 1 || *mon > 12) return std::nullopt;
   return HistoryRow{.mon = *mon,
                     .yr = *yr,
