@@ -54,7 +54,7 @@ def compare_run(program, logs, moment, zone, mode, settings):
         if done.returncode != wanted.exit_code:
             problems.append("exit code %d" % done.returncode)
         counted_bias = 0 if settings.get("UseUTC") == "True" else bias
-        for month, year in run.months()[-12:]:
+        for month, year in run.period()[-12:]:
             page = os.path.join(box.usage, ENGLISH_SHORT[month - 1] + ".htm")
             if os.path.exists(page):
                 problems += ["recount of %s: %s" % (os.path.basename(page), line) for line in
