@@ -182,6 +182,8 @@ class KilledRunTest(SeveralRunsTest):
             if not self.left_over():
                 continue
             os.killpg(run.pid, signal.SIGSTOP)
+            # The signal has been sent, but a thread may still be finishing a call.
+            os.waitid(os.P_PID, run.pid, os.WSTOPPED | os.WEXITED | os.WNOWAIT)
             if self.left_over():
                 self.end(run)
                 return True
