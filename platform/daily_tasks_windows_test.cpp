@@ -2,7 +2,11 @@
 
 #include "platform/daily_tasks.h"
 #include "platform/mod_systemInfo.h"
+#include "platform/scheduler.h"
+#include "platform/service.h"
 #include "platform/shell.h"
+#include "tests/fakes/fake_shell.h"
+#include "tests/fakes/recording_message_boxes.h"
 #include "tests/fakes/temp_dir.h"
 
 namespace platform {
@@ -21,6 +25,24 @@ TEST(HelperLibraryTest, AMissingOneIsToldInTheSystemsWords) {
   EXPECT_EQ(result.code, kModuleNotFound);
   EXPECT_EQ(result.reason, "");
   EXPECT_FALSE(mod_systemInfo::GetErrorText(result.code).empty());
+}
+
+// The add button of a program that was copied without its library.
+TEST(HelperLibraryTest, TheBoxOfAMissingOneHoldsTheSystemsWords) {
+  const fakes::ScopedTempDir dir;
+  fakes::FakeShell shell;
+  shell.program_folder = dir.path();
+  shell.program_name = "hitwick.exe";
+  fakes::RecordingMessageBoxes boxes;
+  const Replacement<Shell> use_shell(shell);
+  const Replacement<MessageBoxes> use_boxes(boxes);
+  scheduler::AddDailyTask("web1", "02:00:00");
+  ASSERT_EQ(boxes.shown.size(), 1u);
+  EXPECT_EQ(boxes.shown[0],
+            "Unable to add task.\n" + mod_systemInfo::GetErrorText(kModuleNotFound) +
+                "\n\nTime should be formatted as HH:MM:SS\nOr perhaps insufficient privilege, so "
+                "as administrator, Control Panel->Add Scheduled task\n"
+                "hitwick.exe  /BATCH /SITE=\"web1\"");
 }
 
 TEST(HelperLibraryTest, ADamagedOneIsNoSuccess) {

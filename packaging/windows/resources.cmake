@@ -8,7 +8,6 @@ find_program(HITWICK_MESSAGE_COMPILER NAMES x86_64-w64-mingw32-windmc windmc REQ
 set(HITWICK_RESOURCES ${CMAKE_CURRENT_LIST_DIR})
 set(HITWICK_GENERATED_RESOURCES ${CMAKE_BINARY_DIR}/generated/windows)
 file(MAKE_DIRECTORY ${HITWICK_GENERATED_RESOURCES})
-configure_file(${HITWICK_RESOURCES}/hitwick.rc.in ${HITWICK_GENERATED_RESOURCES}/hitwick.rc @ONLY)
 
 add_custom_command(
   OUTPUT ${HITWICK_GENERATED_RESOURCES}/messages.rc
@@ -29,13 +28,28 @@ function(hitwick_link_resources target script)
   add_dependencies(${target} hitwick_messages)
 endfunction()
 
+# hitwick_windows_version(TARGET TYPE DESCRIPTION)
+#
+# Says in TARGET what it is: VFT_APP, a program, or VFT_DLL, a library.
+function(hitwick_windows_version target type description)
+  if(type STREQUAL VFT_DLL)
+    set(file ${target}.dll)
+  else()
+    set(file ${target}.exe)
+  endif()
+  set(script ${HITWICK_GENERATED_RESOURCES}/${target}_version.rc)
+  configure_file(${HITWICK_RESOURCES}/version.rc.in ${script} @ONLY)
+  target_sources(${target} PRIVATE ${script})
+endfunction()
+
 # hitwick_windows_resources(TARGET)
 #
 # Makes TARGET, an executable, the program as it is installed: without a console window of its
 # own, and with all resources.
 function(hitwick_windows_resources target)
   set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
-  hitwick_link_resources(${target} ${HITWICK_GENERATED_RESOURCES}/hitwick.rc)
+  hitwick_link_resources(${target} ${HITWICK_RESOURCES}/hitwick.rc)
+  hitwick_windows_version(${target} VFT_APP "Hitwick - ${PROJECT_DESCRIPTION}")
 endfunction()
 
 # hitwick_windows_services(TARGET)

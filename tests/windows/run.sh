@@ -11,10 +11,19 @@ linux=$(cd "$2" && pwd)
 export WINEPREFIX="$windows/wine" WINEDEBUG=-all
 rm -rf "$WINEPREFIX"
 mkdir -p "$WINEPREFIX"
-# Wine's services are started here: a test that had to start them would wait for their end, too.
-wineserver -p
 trap 'wineserver -k || true' EXIT
-wine wineboot -i >/dev/null 2>&1 </dev/null
+
+# Wine's services are started here: a test that had to start them would wait for their end, too.
+start_services() {
+  wineserver -p
+  wine wineboot -i >/dev/null 2>&1 </dev/null
+  wine net start Schedule >/dev/null 2>&1 </dev/null
+}
+# Starting them while the prefix is being made can fail for good on a busy machine.
+for _ in 1 2 3; do
+  start_services && break
+  wineserver -k -w
+done
 
 status=0
 ctest --test-dir "$windows" --output-on-failure || status=1

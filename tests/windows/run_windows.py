@@ -48,14 +48,23 @@ def with_sorted_filters(page):
     return FILTER_ROW.sub(lambda _: next(rows), page)
 
 
+def helper_library():
+    return options.windows.with_name("HitwickHelper.dll")
+
+
 class ProgramFile(unittest.TestCase):
-    def test_it_opens_no_console_and_needs_only_windows(self):
-        subsystem, libraries = program_file.read(options.windows.read_bytes())
+    def test_it_opens_no_console(self):
+        subsystem, _ = program_file.read(options.windows.read_bytes())
         self.assertEqual(subsystem, program_file.WINDOWS_SUBSYSTEM)
-        self.assertTrue(libraries)
-        foreign = {name for name in libraries
-                   if name.upper().removesuffix(".DLL") not in SYSTEM_LIBRARIES}
-        self.assertEqual(foreign, set())
+
+    def test_program_and_helper_library_need_only_windows(self):
+        for file in (options.windows, helper_library()):
+            with self.subTest(file=file.name):
+                _, libraries = program_file.read(file.read_bytes())
+                self.assertTrue(libraries)
+                foreign = {name for name in libraries
+                           if name.upper().removesuffix(".DLL") not in SYSTEM_LIBRARIES}
+                self.assertEqual(foreign, set())
 
     def test_it_asks_for_utf8_and_long_paths(self):
         image = options.windows.read_bytes()
@@ -99,6 +108,11 @@ class CommandLine(WindowsTest):
         _, _, trace = hitwick("/BATCH", "/SITE=" + self.site, debug="+eventlog")
         self.assertRegex(trace, r"trace:eventlog:ReportEventW L\"Hitwick: operating on site")
         self.assertRegex(trace, r"warn:eventlog:ReportEventW L\"Hitwick: No IIS log files found")
+
+    def test_the_helper_library_is_not_loaded(self):
+        _, _, trace = hitwick("/BATCH", "/SITE=" + self.site, debug="+loaddll")
+        self.assertIn("Loaded L\"C:\\\\windows\\\\system32\\\\kernel32.dll\"", trace)
+        self.assertNotIn("hitwickhelper", trace.lower())
 
     def test_entries_do_not_go_to_a_redirected_standard_error(self):
         _, _, errors = hitwick("/BATCH", "/SITE=" + self.site)
