@@ -14,11 +14,14 @@ import os
 import pathlib
 import re
 import shutil
+import struct
 import sys
 import tempfile
 import unittest
+import xml.etree.ElementTree as ElementTree
 
 import program_file
+from program_file import ProgramFile
 
 sys.path.insert(1, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "e2e"))
 
@@ -52,25 +55,85 @@ def helper_library():
     return options.windows.with_name("HitwickHelper.dll")
 
 
-class ProgramFile(unittest.TestCase):
-    def test_it_opens_no_console(self):
-        subsystem, _ = program_file.read(options.windows.read_bytes())
-        self.assertEqual(subsystem, program_file.WINDOWS_SUBSYSTEM)
+class Files(unittest.TestCase):
+    """What the program and the helper library say of themselves."""
 
-    def test_program_and_helper_library_need_only_windows(self):
-        for file in (options.windows, helper_library()):
-            with self.subTest(file=file.name):
-                _, libraries = program_file.read(file.read_bytes())
-                self.assertTrue(libraries)
-                foreign = {name for name in libraries
-                           if name.upper().removesuffix(".DLL") not in SYSTEM_LIBRARIES}
-                self.assertEqual(foreign, set())
+    @classmethod
+    def setUpClass(cls):
+        cls.program = ProgramFile(options.windows.read_bytes())
+        cls.library = ProgramFile(helper_library().read_bytes())
 
-    def test_it_asks_for_utf8_and_long_paths(self):
-        image = options.windows.read_bytes()
-        for setting in (b">UTF-8</activeCodePage>", b">true</longPathAware>",
-                        b"PerMonitorV2", b'level="asInvoker"'):
-            self.assertIn(setting, image)
+    def test_the_program_opens_no_console(self):
+        self.assertEqual(self.program.subsystem, program_file.WINDOWS_SUBSYSTEM)
+
+    def test_both_need_only_windows(self):
+        for file in (self.program, self.library):
+            libraries = file.libraries()
+            self.assertTrue(libraries)
+            foreign = {name for name in libraries
+                       if name.upper().removesuffix(".DLL") not in SYSTEM_LIBRARIES}
+            self.assertEqual(foreign, set())
+
+    def test_the_library_has_one_entry(self):
+        self.assertEqual(self.library.exports(), ["Hitwick_schedule"])
+        self.assertEqual(self.program.exports(), [])
+
+    def test_both_bear_the_programs_version(self):
+        version = version_of(str(options.linux)).decode()
+        numbers = (*map(int, version.split(".")), 0)
+        for file, name, description in (
+                (self.program, "hitwick.exe",
+                 "Hitwick - Usage statistics from the W3C logs of IIS web servers"),
+                (self.library, "HitwickHelper.dll", "Hitwick - adds the daily task")):
+            with self.subTest(file=name):
+                self.assertEqual(file.version(), (numbers, {
+                    "CompanyName": "The Hitwick developers", "FileDescription": description,
+                    "FileVersion": version, "InternalName": pathlib.Path(name).stem,
+                    "LegalCopyright": "MIT licence", "OriginalFilename": name,
+                    "ProductName": "Hitwick", "ProductVersion": version}))
+
+    def test_the_manifest(self):
+        (text,) = self.program.resources(program_file.MANIFEST).values()
+        manifest = ElementTree.fromstring(text)
+
+        def content(name):
+            (element,) = manifest.iter("{http://schemas.microsoft.com/SMI/" + name)
+            return element.text
+
+        self.assertEqual(content("2019/WindowsSettings}activeCodePage"), "UTF-8")
+        self.assertEqual(content("2016/WindowsSettings}longPathAware"), "true")
+        self.assertEqual(content("2016/WindowsSettings}dpiAwareness"), "PerMonitorV2")
+        (level,) = manifest.iter("{urn:schemas-microsoft-com:asm.v3}requestedExecutionLevel")
+        self.assertEqual(level.attrib, {"level": "asInvoker", "uiAccess": "false"})
+        (controls,) = manifest.iter("{urn:schemas-microsoft-com:asm.v1}assemblyIdentity")
+        self.assertEqual(controls.get("name"), "Microsoft.Windows.Common-Controls")
+        self.assertEqual(controls.get("version"), "6.0.0.0")
+
+    def test_the_icon_in_four_sizes(self):
+        icons = self.program.icons()
+        self.assertEqual(sorted(icons), [16, 32, 48, 256])
+        for width, image in icons.items():
+            with self.subTest(width=width):
+                if image.startswith(b"\x89PNG"):
+                    self.assertEqual(struct.unpack_from(">II", image, 16), (width, width))
+                else:
+                    self.assertEqual(struct.unpack_from("<ii", image, 4), (width, 2 * width))
+        self.assertEqual(self.library.resources(program_file.ICON), {})
+
+    def test_the_icon_is_the_drawn_one(self):
+        folder = pathlib.Path(__file__).resolve().parents[2] / "packaging/windows"
+        with tempfile.TemporaryDirectory() as drawn:
+            run([sys.executable, folder / "make_icon.py", drawn + "/hitwick.ico"], {})
+            self.assertEqual(pathlib.Path(drawn, "hitwick.ico").read_bytes(),
+                             (folder / "hitwick.ico").read_bytes())
+
+    def test_the_messages_of_the_event_log(self):
+        (table,) = self.program.resources(program_file.MESSAGE_TABLE).values()
+        (blocks,) = struct.unpack_from("<I", table)
+        found = [number for i in range(blocks)
+                 for number in struct.unpack_from("<II", table, 4 + 12 * i)]
+        self.assertEqual(set(found), {0x40000001, 0x80000002})
+        self.assertEqual(table.decode("latin-1").replace("\0", "").count("%1\n"), 2)
 
 
 class WindowsTest(unittest.TestCase):
@@ -244,7 +307,7 @@ class GoldenCases(unittest.TestCase):
             self.assertFalse(problems, "\n".join(problems))
 
     def test_each_case_gives_the_expected_files(self):
-        version = version_of(str(options.linux))
+        version = version_of(str(options.linux)).decode()
         cases = [case for case in map(Case, case_names()) if self.fits_windows(case)]
         self.assertGreater(len(cases), 30)
         for case in cases:
