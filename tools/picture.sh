@@ -3,7 +3,7 @@
 #
 #   tools/picture.sh BUILD_DIR
 #
-# Needs chromium, fonts-liberation and imagemagick. Everything but docs/images/month.png goes into ./demo.
+# Needs chromium, fonts-liberation and imagemagick. Everything but docs/help/images/month.png goes into ./demo.
 set -eu
 
 fail() {
@@ -27,5 +27,5 @@ rm -rf demo/browser
 
 # Sixty-four colours and no dates inside: the file stays small and changes with the page only.
 convert demo/month.png -colors 64 +dither -strip -define png:exclude-chunks=date,time \
-  PNG8:docs/images/month.png
-echo "Drawn: docs/images/month.png"
+  PNG8:docs/help/images/month.png
+echo "Drawn: docs/help/images/month.png"
