@@ -259,7 +259,8 @@ class EventLogTest(SeveralRunsTest):
         for i in range(self.RUNS):
             wanted = b"Configuration for site name is 'p%d'" % i
             self.assertEqual(sum(wanted in line for line in lines), self.TOKENS + 2)
-        self.assertLess(len(moved), 10001000)
+        # What the others write while one of them is moving the file still goes there.
+        self.assertLess(len(moved), 10000000 + len(b"".join(lines)) // 2)
         self.assertEqual(sorted(os.listdir(os.path.dirname(self.box.event_log))),
                          ["events.log", "events.log.1"])
 

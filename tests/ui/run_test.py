@@ -124,20 +124,25 @@ class DuringRunTest(RunTest):
         self.add_long_logs()
 
     def watch(self, program, parts):
-        """Looks at the status, the bar and the buttons of `parts` until the program ends."""
+        """Looks at the status, the bar and the buttons of `parts` until the program ends.
+
+        Returns the looks that began and ended during the run, and every status that was seen.
+        """
         label, bar, buttons = parts
-        seen = []
+        seen, statuses = [], set()
         while program.process.poll() is None:
             try:
-                status = label.text
+                before = label.text
                 for button in buttons:
                     controls.refresh(button.accessible)
-                seen.append((status, bar.value(),
-                             {button.name: button.enabled for button in buttons}, label.text))
+                    statuses.add(label.text)
+                state = bar.value(), {button.name: button.enabled for button in buttons}
+                seen.append((before, *state, label.text))
             except controls.GLib.Error:
                 continue
         running = re.compile("Reading |Formatting |Finished report ")
-        return [look for look in seen if running.match(look[0]) and running.match(look[3])]
+        return [look[1:3] for look in seen
+                if running.match(look[0]) and running.match(look[3])], statuses
 
     def test_the_window_tells_of_the_run(self):
         program = self.open()
@@ -146,16 +151,16 @@ class DuringRunTest(RunTest):
                  next(part for part in top.all_parts() if part.role == "progress bar"),
                  [program.button(name) for name in (*DISABLED, "Quit", "Help")])
         program.button("Save + Catch-Up").click()
-        seen = self.watch(program, parts)
+        seen, statuses = self.watch(program, parts)
         self.assertEqual(program.wait_end(), 0)
         for pattern in (r"Reading u_ex\d{6}\.log", "(Formatting|Finished report) "
                         + re.escape(self.desk.usage) + r"/\w{3}\.htm"):
-            self.assertTrue([look for look in seen if re.fullmatch(pattern, look[0])],
-                            "%s among %r" % (pattern, seen))
-        progress = [value for _, value, _, _ in seen]
+            self.assertTrue([status for status in statuses if re.fullmatch(pattern, status)],
+                            "%s among %r" % (pattern, statuses))
+        progress = [value for value, _ in seen]
         self.assertGreater(len(set(progress)), 2, progress)
         self.assertEqual(progress, sorted(progress))
-        for _, _, enabled, _ in seen[:-1]:
+        for _, enabled in seen[:-1]:
             self.assertEqual({name for name in enabled if enabled[name]}, {"Quit", "Help"})
 
     def pause_after(self, program, page):
