@@ -18,6 +18,8 @@ TIDY_PACKAGES = $(TEST_PACKAGES) clang-tidy git
 
 # Extra arguments of the configuration step, such as -DHITWICK_WERROR=ON.
 CONFIGURE =
+# Extra arguments of ctest, such as -R name.
+CTEST =
 
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
@@ -46,19 +48,19 @@ test:
 	tools/need.sh $(TEST_PACKAGES)
 	cmake --preset release -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
 	cmake --build --preset release
-	ctest --preset release
+	ctest --preset release $(CTEST)
 
 test-server:
 	tools/need.sh $(SERVER_TEST_PACKAGES)
 	cmake --preset server -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
 	cmake --build --preset server
-	ctest --preset server
+	ctest --preset server $(CTEST)
 
 test-asan:
 	tools/need.sh $(TEST_PACKAGES)
 	cmake --preset asan $(CONFIGURE)
 	cmake --build --preset asan
-	ctest --preset asan
+	ctest --preset asan $(CTEST)
 
 bench:
 	tools/need.sh $(BENCH_PACKAGES)

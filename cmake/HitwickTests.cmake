@@ -24,6 +24,10 @@ function(hitwick_tests name)
     set(arg_LABEL unit)
   endif()
   add_executable(${name}_tests ${arg_SOURCES})
+  # What is tested is built like the program; the tests themselves compile in a third of the time
+  # without optimisation (with the sanitizers: 13 s for 40), and run hardly slower.
+  target_compile_options(${name}_tests PRIVATE
+    $<$<NOT:$<CXX_COMPILER_ID:MSVC>>:-O0>)
   target_link_libraries(${name}_tests PRIVATE hitwick_flags GTest::gmock GTest::gtest_main)
   foreach(folder IN LISTS arg_LIBRARIES)
     target_link_libraries(${name}_tests PRIVATE hitwick_${folder})
