@@ -38,7 +38,7 @@ add_library(hitwick_ui OBJECT
   window_boxes.cpp
   wx_windows.cpp)
 set_target_properties(hitwick_ui PROPERTIES POSITION_INDEPENDENT_CODE ON)
-target_link_libraries(hitwick_ui PRIVATE hitwick_flags PUBLIC hitwick_wx hitwick_ui_logic)
+target_link_libraries(hitwick_ui PRIVATE hitwick_hardening hitwick_flags PUBLIC hitwick_wx hitwick_ui_logic)
 
 if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   # The toolkit's header that remembers a window's place casts the window while it is destroyed.
