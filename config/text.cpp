@@ -58,7 +58,11 @@ double NumericValue(std::string_view text, bool signs) {
   double value = 0;
   const auto [stop, failure] =
       std::from_chars(text.data(), text.data() + end, value, std::chars_format::fixed);
-  if (failure != std::errc()) value = std::numeric_limits<double>::infinity();
+  // Too large for a double, or, with nothing but zeros before the ".", too small for one.
+  if (failure != std::errc()) {
+    const bool large = text.find_first_not_of('0') < text.find('.');
+    value = large ? std::numeric_limits<double>::infinity() : 0;
+  }
   return negative ? -value : value;
 }
 

@@ -72,6 +72,8 @@ TEST(NumericValue, LeadingDigitsWithAFraction) {
   EXPECT_EQ(text::NumericValue("3.x"), 3.0);
   EXPECT_EQ(text::NumericValue("1e3"), 1.0);
   EXPECT_EQ(text::NumericValue("0x1F"), 0.0);
+  EXPECT_EQ(text::NumericValue("00." + std::string(400, '0') + "1"), 0.0);
+  EXPECT_EQ(text::ToInt32(std::string(400, '9')), std::nullopt);
 }
 
 TEST(NumericValue, NoLeadingDigitIsZero) {

@@ -87,7 +87,7 @@ class EventLogFile : public EventLog {
     path_ = path;
     if (MakeFolders(folder) != 0) return false;
     file_ = Descriptor(
-        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644));
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, kForTheUser));
     return file_.IsOpen();
   }
 

@@ -56,6 +56,15 @@ TEST_F(LinuxEventLogTest, WarningsSaySo) {
   EXPECT_EQ(WithoutTime(Log()), " warning Hitwick: no\n");
 }
 
+TEST_F(LinuxEventLogTest, ANewFileIsForTheUserAloneWhateverTheMask) {
+  const mode_t mask = umask(0);
+  Inform("one");
+  umask(mask);
+  struct stat status {};
+  ASSERT_EQ(stat((folder_ / "state/hitwick/events.log").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777u, 0600u);
+}
+
 TEST_F(LinuxEventLogTest, EntriesAreAppended) {
   Inform("one");
   const std::string first = Log();

@@ -105,13 +105,14 @@ int FollowLinks(const std::string& path, std::string* target) {
   return ELOOP;
 }
 
-int PutInPlace(const std::string& target, const std::string& temporary, std::string_view content) {
+int PutInPlace(const std::string& target, const std::string& temporary, std::string_view content,
+               mode_t if_new) {
   struct stat old {};
   const bool replaces = lstat(target.c_str(), &old) == 0;
   if (replaces && !S_ISREG(old.st_mode)) return S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
   Temporary file(temporary);
   // Nobody else may look into a new file before it has the old one's permissions.
-  int error = file.Create(replaces ? S_IRUSR | S_IWUSR : 0666);
+  int error = file.Create(replaces ? kForTheUser : if_new);
   if (error != 0) return error;
   if (replaces) TakeOver(file.file(), old);
   error = WriteAll(file.file(), content);

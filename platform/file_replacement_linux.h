@@ -3,6 +3,8 @@
 #ifndef HITWICK_PLATFORM_FILE_REPLACEMENT_LINUX_H_
 #define HITWICK_PLATFORM_FILE_REPLACEMENT_LINUX_H_
 
+#include <sys/types.h>
+
 #include <string>
 #include <string_view>
 
@@ -17,10 +19,16 @@ FileSystem& RealFileSystem();
 // when the links never end.
 int FollowLinks(const std::string& path, std::string* target);
 
+// Who may do what with a file that was not there before, as far as the user's mask allows it:
+// everybody / the user alone.
+inline constexpr mode_t kForAll = 0666;
+inline constexpr mode_t kForTheUser = 0600;
+
 // Replaces `target` (no symbolic link; a regular file or nothing yet) by a file with this content,
-// built as `temporary` in the same folder. Returns an errno code: EEXIST when `temporary` cannot
-// be had, and another name may do.
-int PutInPlace(const std::string& target, const std::string& temporary, std::string_view content);
+// built as `temporary` in the same folder. It has the old file's permissions, or `if_new`. Returns
+// an errno code: EEXIST when `temporary` cannot be had, and another name may do.
+int PutInPlace(const std::string& target, const std::string& temporary, std::string_view content,
+               mode_t if_new);
 
 // Removes the temporary file at `path` unless a live process is building it.
 void RemoveIfLeftOver(const std::string& path);

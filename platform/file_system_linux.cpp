@@ -123,7 +123,7 @@ class PosixFileSystem : public FileSystem {
     constexpr int kTries = 100;
     int error = EEXIST;
     for (int number = 0; number < kTries && error == EEXIST; ++number) {
-      error = PutInPlace(target, NewTemporaryName(target), content);
+      error = PutInPlace(target, NewTemporaryName(target), content, kForAll);
     }
     return error;
   }

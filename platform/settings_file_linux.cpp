@@ -238,7 +238,8 @@ void SettingsFile::ReadContent(std::string_view content, Line* line) {
     line->kind = Kind::kValue;
     line->name = Trimmed(content.substr(0, equals), kBlanks);
     const std::string_view value = content.substr(ValueStart(content));
-    line->text = Unescaped(value.substr(0, value.find_last_not_of(kBlank) + 1));
+    // A carriage return that is meant is written `\r`.
+    line->text = Unescaped(value.substr(0, value.find_last_not_of(" \r") + 1));
   } else {
     line->kind = trimmed.front() == '[' ? Kind::kBrokenSection : Kind::kBroken;
   }

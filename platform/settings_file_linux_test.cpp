@@ -161,6 +161,13 @@ TEST(SettingsFileTest, BlanksAroundNamesAndValuesDoNotCount) {
   EXPECT_TRUE(file.BrokenLines().empty());
 }
 
+TEST(SettingsFileTest, ReturnsAtTheEndOfALineDoNotCountWhateverFollows) {
+  SettingsFile file("[web1]\npattern=*b\r\r");
+  EXPECT_EQ(Values(file, "web1"), List{"pattern=*b"});
+  EXPECT_TRUE(file.SetValue("web1", "x", "1\r"));
+  EXPECT_EQ(Values(SettingsFile(file.Text()), "web1"), (List{"pattern=*b", "x=1\r"}));
+}
+
 TEST(SettingsFileTest, EscapedBlanksAtTheEndsOfAValueCount) {
   const SettingsFile file("[a]\nx = \\s1\\s \ny=\\s\nz=\\s\\s  2 \\s\nw=\\s \\s\\\\\\s \\s\n");
   EXPECT_EQ(Values(file, "a"), (List{"x= 1 ", "y= ", "z=    2  ", "w=   \\   "}));

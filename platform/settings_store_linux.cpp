@@ -84,7 +84,7 @@ FileStamp StampOf(const std::string& path) {
 class WriteLock {
  public:
   explicit WriteLock(const std::string& path)
-      : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)),
+      : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kForTheUser)),
         error_(file_.IsOpen() ? TakeLock(file_.get(), kLockPatience) : errno) {}
 
   int error() const { return error_; }
@@ -99,7 +99,7 @@ class WriteLock {
 int Save(const std::string& target, const std::string& content) {
   const std::string temporary = target + ".tmp";
   unlink(temporary.c_str());
-  return PutInPlace(target, temporary, content);
+  return PutInPlace(target, temporary, content, kForTheUser);
 }
 
 void Warn(const std::string& text) {

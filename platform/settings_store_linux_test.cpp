@@ -84,6 +84,23 @@ TEST_F(SettingsIniTest, TheFirstSaveCreatesFolderAndFile) {
   EXPECT_FALSE(HasTemporaryFile());
 }
 
+TEST_F(SettingsIniTest, NewFilesAreForTheUserAloneWhateverTheMask) {
+  std::filesystem::create_directories(folder_ / "config/hitwick");
+  const mode_t mask = umask(0);
+  EXPECT_EQ(Save("web1", "UsageDir", "/srv/www"), kStoreSuccess);
+  umask(mask);
+  for (const char* name : {"settings.ini", "settings.ini.lock"}) {
+    EXPECT_EQ(Status(folder_ / "config/hitwick/" + name).st_mode & 0777u, 0600u) << name;
+  }
+}
+
+TEST_F(SettingsIniTest, WhatTheUserHasAllowedStaysSo) {
+  WriteIni("[web1]\nx=1\n");
+  chmod(ini_.c_str(), 0640);
+  EXPECT_EQ(Save("web1", "x", "2"), kStoreSuccess);
+  EXPECT_EQ(Status(ini_).st_mode & 0777u, 0640u);
+}
+
 TEST_F(SettingsIniTest, WithoutAFileTheBranchDoesNotExist) {
   Key key = 0;
   EXPECT_EQ(TheSettingsStore().OpenKey(kBranch, &key), kStoreNotFound);
