@@ -1,5 +1,7 @@
 #include "app/frmMain.h"
 
+#include <new>
+
 #include "app/run_driver.h"
 #include "config/calendar.h"
 #include "config/mdlConfigs.h"
@@ -198,10 +200,20 @@ int StartUp(const std::string& command_line) {
   return InteractiveRun();
 }
 
+// A month that memory does not suffice for is the run driver's concern; this is for all the rest.
+int StartUpWithinMemory(const std::string& command_line) {
+  try {
+    return StartUp(command_line);
+  } catch (const std::bad_alloc&) {
+    mdlConfigs::LogWarning(": Out of memory");
+    return kExitFailed;
+  }
+}
+
 }  // namespace
 
 int Form_Load(const std::string& command_line) {
-  const int exit_code = StartUp(command_line);
+  const int exit_code = StartUpWithinMemory(command_line);
   Form_Terminate();
   const bool unattended = Run().BatchMode || Run().CatchUpMode;
   if (unattended && exit_code != kExitDone) platform::TheEventLog().TellOfFailure(exit_code);

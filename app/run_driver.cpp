@@ -1,5 +1,6 @@
 #include "app/run_driver.h"
 
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -10,7 +11,10 @@
 #include "report/mdlGenHTML.h"
 #include "report/mdlYear.h"
 #include "report/page_names.h"
+#include "stats/lost_counts.h"
 #include "stats/mdlDNS.h"
+#include "stats/mdlMonth.h"
+#include "stats/mdlVisit.h"
 
 namespace mdlConfigs {
 namespace {
@@ -54,12 +58,36 @@ bool IsOwnFile(std::string_view name) {
   return false;
 }
 
+// The path of a month's page without ".htm".
+std::string BasePath(int month) {
+  return platform::JoinPath(Run().Settings.UsageDir, ReportName(month));
+}
+
+void ReadAndWriteMonth(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
+                       std::int16_t year) {
+  mdlW3C::ReadMonthLogs(firstDay, lastDay, month, year, mdlYear::AddHistoryRow);
+  // Half a month makes no page.
+  if (Run().Ui.quit_requested || stats::CountsAreLost()) return;
+  WriteMonthReport(firstDay, lastDay, month, year);
+}
+
+// A month for which the memory does not suffice leaves the old page as it is: the figures of a new
+// one would be wrong. What it holds is given back first.
+void GiveUpMonth(int month) {
+  mdlMonth::InitMonth();
+  mdlVisit::InitVisits();
+  ReportFailedPage(BasePath(month) + ".htm", "Out of memory");
+}
+
 void ReportMonth(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                  std::int16_t year) {
   if (Run().Settings.LogFormat != "W3C") return;
-  mdlW3C::ReadMonthLogs(firstDay, lastDay, month, year, mdlYear::AddHistoryRow);
-  if (Run().Ui.quit_requested) return;  // half a month makes no page
-  WriteMonthReport(firstDay, lastDay, month, year);
+  try {
+    ReadAndWriteMonth(firstDay, lastDay, month, year);
+  } catch (const std::bad_alloc&) {
+    stats::NoteLostCounts();
+  }
+  if (stats::CountsAreLost()) GiveUpMonth(month);
 }
 
 void ShowMonthsDone(int done, int all) {
@@ -98,7 +126,7 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
 std::int16_t WriteMonthReport(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                               std::int16_t year) {
   const bool on_demand = Run().OnDemandMode;
-  const std::string base_path = platform::JoinPath(Run().Settings.UsageDir, ReportName(month));
+  const std::string base_path = BasePath(month);
   const std::string path = base_path + ".htm";
   LogInformation(": month report created : " + path);
   ShowStatus("Formatting " + path);

@@ -13,6 +13,7 @@
 #include "logread/record_parser.h"
 #include "platform/file_system.h"
 #include "platform/mod_systemInfo.h"
+#include "stats/lost_counts.h"
 #include "stats/mdlMonth.h"
 #include "stats/mdlVisit.h"
 
@@ -155,9 +156,12 @@ void ReadLine(const PeriodArguments& period) {
   }
 }
 
+// There is no use in reading on once memory has run out.
+bool HasToStop() { return QuitRequested() || stats::CountsAreLost(); }
+
 void ReadLines(logread::LineReader& lines, const PeriodArguments& period) {
-  while (!QuitRequested() && lines.NextBlock()) {
-    while (!QuitRequested() && lines.Next(&Reading().line)) ReadLine(period);
+  while (!HasToStop() && lines.NextBlock()) {
+    while (!HasToStop() && lines.Next(&Reading().line)) ReadLine(period);
     AddWaitingRecords();
     mdlConfigs::StayResponsive();
   }
@@ -173,7 +177,7 @@ void ReadMonthLogs(std::int16_t firstDay, std::int16_t lastDay, std::int16_t mon
   mdlVisit::InitVisits();
   if (!ReadAllFiles(period)) return;
   mdlVisit::CloseAllVisits();
-  add_history_row(MonthTotals(period));
+  if (!stats::CountsAreLost()) add_history_row(MonthTotals(period));
 }
 
 void ReadLogFile(const std::string& path, std::int16_t firstDay, std::int16_t lastDay,

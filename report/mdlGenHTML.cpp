@@ -1,6 +1,7 @@
 #include "report/mdlGenHTML.h"
 
 #include <exception>
+#include <new>
 #include <string_view>
 
 #include "config/mdlConfigs.h"
@@ -114,6 +115,8 @@ WriteResult WriteMonthPage(std::string& page, const std::string& base_path, cons
     return {};
   } catch (const stats::Fault& fault) {
     return {.ok = false, .error = fault.description()};
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception& failure) {
     return {.ok = false, .error = failure.what()};
   }

@@ -8,6 +8,7 @@
 #include "config/mdlConfigs.h"
 #include "config/text.h"
 #include "stats/file_type.h"
+#include "stats/lost_counts.h"
 #include "stats/mdlVisit.h"
 #include "stats/mdlWebPage.h"
 
@@ -78,6 +79,7 @@ struct HitKey {
     try {
       if (row == KeyStore::kNone) row = store->FindOrEnter(key);
     } catch (const std::bad_alloc&) {
+      stats::NoteLostCounts();
       return false;
     }
     return true;
@@ -322,6 +324,7 @@ bool IsSuccessOrRedirectStatus(std::string_view status) {
 }
 
 void InitMonth() {
+  stats::ForgetLostCounts();
   month_stats.emplace(robots_txt_agents);
   mdlWebPage::BuildRobotWords();
 }

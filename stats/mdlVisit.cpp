@@ -5,6 +5,7 @@
 
 #include "config/mdlConfigs.h"
 #include "stats/fault.h"
+#include "stats/lost_counts.h"
 #include "stats/mdlMonth.h"
 #include "stats/mdlWebPage.h"
 #include "stats/visit_slots.h"
@@ -133,6 +134,7 @@ void TrackVisit(stats::Visitor visitor, std::int32_t time, KeyStore::Ref uri, st
   } catch (const stats::Fault& fault) {
     ReportTrackingError(fault.description());
   } catch (const std::bad_alloc&) {
+    stats::NoteLostCounts();
     ReportTrackingError("Out of memory");
   }
 }

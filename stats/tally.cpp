@@ -7,6 +7,7 @@
 #include "config/mdlConfigs.h"
 #include "config/number_text.h"
 #include "stats/fault.h"
+#include "stats/lost_counts.h"
 
 namespace stats {
 
@@ -162,6 +163,7 @@ void LogTallyOverflow(std::string_view key, float value) {
 }
 
 void LogTallyNotExtended(std::string_view key, float value, const TallyTable& table) {
+  stats::NoteLostCounts();
   LogTallyWarning(" : Error extending arrray for string '", key, value,
                   ". Old count was " + std::to_string(table.Count()));
 }
