@@ -12,6 +12,7 @@ TEST_PACKAGES = $(BUILD_PACKAGES) $(SERVER_TEST_PACKAGES) $(UI_TEST_PACKAGES)
 BENCH_PACKAGES = $(SERVER_PACKAGES) libbenchmark-dev python3
 WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix
 WINE_PACKAGES = $(WINDOWS_PACKAGES) $(SERVER_TEST_PACKAGES) googletest wine wine64
+FUZZ_PACKAGES = clang cmake ninja-build python3
 FORMAT_PACKAGES = clang-format git
 PICTURE_PACKAGES = $(SERVER_PACKAGES) chromium fonts-liberation imagemagick
 TIDY_PACKAGES = $(TEST_PACKAGES) clang-tidy git
@@ -21,9 +22,12 @@ CONFIGURE =
 # Extra arguments of ctest, such as -R name.
 CTEST =
 
+# How long each fuzz target runs in each of the two builds.
+FUZZ_SECONDS = 60
+
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
-.PHONY: build server demo picture test test-server test-asan bench windows test-windows format check-format tidy clean
+.PHONY: build server demo picture test test-server test-asan test-faults fuzz fuzz-fast mutants bench windows test-windows format check-format tidy clean
 
 build:
 	tools/need.sh $(BUILD_PACKAGES)
@@ -61,6 +65,33 @@ test-asan:
 	cmake --preset asan $(CONFIGURE)
 	cmake --build --preset asan
 	ctest --preset asan $(CTEST)
+
+# Attacks at their full size, a catch-up run that fails at every call, 500 killed runs: an hour, and
+# 4 GB of disk.
+test-faults:
+	tools/need.sh $(SERVER_TEST_PACKAGES)
+	cmake --preset server -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset server
+	HITWICK_FULL=1 ctest --preset server -R 'e2e[.](attacks|faults)' --timeout 7200 --verbose
+
+fuzz: fuzz-fast
+	cmake --preset fuzz $(CONFIGURE)
+	cmake --build --preset fuzz
+	tests/fuzz/run.py --build build/fuzz --seconds $(FUZZ_SECONDS)
+
+# Without the sanitizers: several times as many inputs.
+fuzz-fast:
+	tools/need.sh $(FUZZ_PACKAGES)
+	cmake --preset fuzz-fast $(CONFIGURE)
+	cmake --build --preset fuzz-fast
+	tests/fuzz/run.py --build build/fuzz-fast --seconds $(FUZZ_SECONDS)
+
+# Do the tests notice a small change of the program? An hour and more.
+MUTANTS = 300
+
+mutants:
+	tools/need.sh $(SERVER_TEST_PACKAGES)
+	tools/mutants.py --count $(MUTANTS)
 
 bench:
 	tools/need.sh $(BENCH_PACKAGES)

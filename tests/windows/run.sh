@@ -29,4 +29,6 @@ status=0
 ctest --test-dir "$windows" --output-on-failure || status=1
 python3 "$here/run_windows.py" --windows "$windows/hitwick.exe" --linux "$linux/hitwick" \
   --sample-logs "$linux/sample_logs" --prefix "$WINEPREFIX" || status=1
+python3 "$here/hostile_logs.py" --windows "$windows/hitwick.exe" --linux "$linux/hitwick" \
+  --prefix "$WINEPREFIX" --count "${HOSTILE_LOGS:-15}" || status=1
 exit $status
