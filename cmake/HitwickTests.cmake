@@ -9,9 +9,6 @@ if(CMAKE_CROSSCOMPILING)
 else()
   find_package(GTest REQUIRED)
 endif()
-if(WIN32)
-  include(${PROJECT_SOURCE_DIR}/packaging/windows/resources.cmake)
-endif()
 
 # hitwick_tests(NAME SOURCES file... LIBRARIES folder... [LABEL label])
 #
