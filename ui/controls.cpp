@@ -9,6 +9,7 @@
 
 #include "ui/accessible.h"
 #include "ui/shown_text.h"
+#include "ui/toolkit.h"
 #include "ui/type_ahead.h"
 
 namespace ui {
@@ -133,6 +134,7 @@ wxSizerFlags ButtonRowFlags(wxWindow* parent) {
 
 void FinishWindow(wxTopLevelWindow* window, wxSizer* sizer, const char* name) {
   window->SetName(name);
+  GiveIcon(window);
   window->SetSizerAndFit(sizer);
   if (!wxPersistentRegisterAndRestore(window)) window->CentreOnParent();
 }

@@ -61,8 +61,9 @@ void frmConfig::ShowSettings() {
 void frmConfig::BindEvents() {
   BindFieldEvents();
   BindButtonEvents();
-  usage_folders_->list()->Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent&) {
-    dirUsageDir_ContextMenu(wxDefaultPosition);
+  usage_folders_->list()->Bind(wxEVT_CONTEXT_MENU, [this](wxContextMenuEvent& event) {
+    const bool by_key = event.GetPosition() == wxDefaultPosition;
+    dirUsageDir_ContextMenu(by_key ? FromDIP(kMenuPlace) : wxDefaultPosition);
   });
   usage_folders_->list()->Bind(wxEVT_CHAR_HOOK, &frmConfig::dirUsageDir_KeyDown, this);
   Bind(wxEVT_CHAR_HOOK, &frmConfig::Form_KeyDown, this);

@@ -4,6 +4,7 @@
 
 #include <wx/event.h>
 #include <wx/listbox.h>
+#include <wx/toplevel.h>
 
 #include <functional>
 
@@ -11,6 +12,9 @@ namespace ui {
 
 // Comes before the toolkit is initialised.
 void PrepareToolkit();
+
+// The program's icon for a window, where the desktop does not give it one by itself.
+void GiveIcon(wxTopLevelWindow* window);
 
 // True for a key that asks for the menu of the control with the keyboard, where the toolkit does
 // not make a wxContextMenuEvent of it by itself.

@@ -31,6 +31,8 @@ void PrepareToolkit() {
   std::setlocale(LC_NUMERIC, "C");
 }
 
+void GiveIcon(wxTopLevelWindow* /*window*/) {}
+
 bool IsMenuKey(const wxKeyEvent& event) {
   const int key = event.GetKeyCode();
   return key == WXK_MENU || key == WXK_WINDOWS_MENU || (key == WXK_F10 && event.ShiftDown());

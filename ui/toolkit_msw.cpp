@@ -1,4 +1,5 @@
-#include <wx/app.h>
+#include <wx/icon.h>
+#include <wx/iconbndl.h>
 #include <wx/msw/wrapwin.h>
 
 #include <utility>
@@ -6,8 +7,30 @@
 #include "ui/toolkit.h"
 
 namespace ui {
+namespace {
 
-void PrepareToolkit() { wxSetInstance(GetModuleHandle(nullptr)); }
+// The picture of the program's icon that the system wants at this size.
+wxIcon ProgramIcon(int width_metric, int height_metric) {
+  const HANDLE picture =
+      LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(1), IMAGE_ICON,
+                 GetSystemMetrics(width_metric), GetSystemMetrics(height_metric), LR_DEFAULTCOLOR);
+  wxIcon icon;
+  if (picture != nullptr) icon.CreateFromHICON(static_cast<WXHICON>(picture));
+  return icon;
+}
+
+}  // namespace
+
+void PrepareToolkit() {}
+
+void GiveIcon(wxTopLevelWindow* window) {
+  wxIconBundle icons;
+  for (const wxIcon& icon :
+       {ProgramIcon(SM_CXSMICON, SM_CYSMICON), ProgramIcon(SM_CXICON, SM_CYICON)}) {
+    if (icon.IsOk()) icons.AddIcon(icon);
+  }
+  window->SetIcons(icons);
+}
 
 bool IsMenuKey(const wxKeyEvent& /*event*/) { return false; }
 
