@@ -1,5 +1,17 @@
 # The windows themselves, with wxWidgets: GTK 3 on Linux, native controls on Windows.
 
+set(HITWICK_WX_FOLDER "" CACHE PATH
+  "wxWidgets for the target of a cross-build; empty: one that tools/wx_windows.sh builds")
+if(CMAKE_CROSSCOMPILING)
+  set(wx_folder ${HITWICK_WX_FOLDER})
+  if(NOT wx_folder)
+    execute_process(COMMAND ${PROJECT_SOURCE_DIR}/tools/wx_windows.sh
+      OUTPUT_VARIABLE wx_folder OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+  list(APPEND CMAKE_FIND_ROOT_PATH ${wx_folder})
+  set(wxWidgets_CONFIG_EXECUTABLE ${wx_folder}/bin/wx-config CACHE FILEPATH
+    "Of a wxWidgets for the target system" FORCE)
+endif()
 find_package(wxWidgets 3.2 REQUIRED COMPONENTS core base)
 add_library(hitwick_wx INTERFACE)
 target_include_directories(hitwick_wx SYSTEM INTERFACE ${wxWidgets_INCLUDE_DIRS})
