@@ -211,7 +211,8 @@ class HitAdder {
   }
 
   void AddStatus() {
-    const std::uint32_t status = StatusClassOfHit();
+    KeyStore::Ref row = KeyStore::kNone;
+    const std::uint32_t status = StatusClassOfHit(&row);
     if ((status & kStatusSuccess) != 0) {
       AddUnlessEmpty(keys_.uri, month_.SuccessUrls);
     } else {
@@ -221,16 +222,20 @@ class HitAdder {
         AddUnlessEmpty(keys_.referrer, month_.FailedReferrers);
       }
     }
-    AddRepeating(record_.status, month_.StatusCodes);
+    if (row != KeyStore::kNone) {
+      TallyAddAt(row, month_.StatusCodes, bytes_);
+    } else {
+      AddRepeating(record_.status, month_.StatusCodes);
+    }
     if ((status & kStatusFile) != 0) AddFile();
   }
 
-  // A site knows few statuses, so each is classified once.
-  std::uint32_t StatusClassOfHit() {
+  // A site knows few statuses, so each is classified once. Sets `row` to the status's.
+  std::uint32_t StatusClassOfHit(KeyStore::Ref* row) {
     if (record_.status.empty()) return ClassOf(record_.status);
     try {
-      const KeyStore::Ref row = month_.StatusKeys.FindOrEnterAgain(record_.status);
-      std::uint32_t& note = month_.StatusKeys.Note(row, kStatusClassNote);
+      *row = month_.StatusKeys.FindOrEnterAgain(record_.status);
+      std::uint32_t& note = month_.StatusKeys.Note(*row, kStatusClassNote);
       if (note == 0) note = ClassOf(record_.status);
       return note;
     } catch (const std::bad_alloc&) {
@@ -340,6 +345,7 @@ void AddHits(std::span<LogRecord> records) {
   for (const LogRecord& record : records) keys.emplace_back(record, Month()).PrefetchBuckets();
   for (HitKeys& hit_keys : keys) hit_keys.PrefetchRows();
   for (std::size_t i = 0; i < records.size(); ++i) AddOneHit(records[i], keys[i]);
+  mdlVisit::AddPagesOfClosedVisits();
 }
 
 }  // namespace mdlMonth

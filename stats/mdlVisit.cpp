@@ -2,6 +2,7 @@
 
 #include <new>
 #include <string>
+#include <vector>
 
 #include "config/mdlConfigs.h"
 #include "stats/fault.h"
@@ -32,10 +33,19 @@ constexpr BandRow kBands[] = {
 };
 static_assert(std::size(kBands) == kBreakdownRows);
 
+// What is still to be added of a visit that was closed. Whether it was a robot's was found out
+// then.
+struct ClosedVisit {
+  KeyStore::Ref entry_uri;
+  KeyStore::Ref exit_uri;
+  bool robot;
+};
+
 struct VisitState {
   VisitSlots slots;
   Breakdown all;
   Breakdown non_robot;
+  std::vector<ClosedVisit> closed;
   bool tracking_error_reported = false;  // one warning a month
 };
 VisitState state;
@@ -77,11 +87,15 @@ bool IsRobot(KeyStore::Ref agent) {
   return false;
 }
 
+std::uint32_t& VisitRowOf(KeyStore::Ref uri) {
+  return mdlMonth::Month().UriKeys.Note(uri, mdlMonth::kVisitRowNote);
+}
+
 // Adds an entry or exit page. The tables of visits have keys of their own, since few URLs begin or
 // end a visit; the URL's row remembers the one among them.
 void AddVisitPage(KeyStore::Ref uri, TallyTable& all, TallyTable& non_robot, bool robot) {
   KeyStore& uris = mdlMonth::Month().UriKeys;
-  std::uint32_t& row = uris.Note(uri, mdlMonth::kVisitRowNote);
+  std::uint32_t& row = VisitRowOf(uri);
   try {
     if (row == KeyStore::kNone) row = all.Keys().FindOrEnter(uris.Key(uri));
   } catch (const std::bad_alloc&) {
@@ -101,6 +115,25 @@ std::int32_t OpenVisit(stats::Visitor visitor, std::int32_t time, KeyStore::Ref 
   return slot;
 }
 
+void PrefetchVisitRow(KeyStore::Ref uri) {
+  const KeyStore::Ref row = VisitRowOf(uri);
+  if (row != KeyStore::kNone) __builtin_prefetch(&mdlMonth::Month().Visits.Keys.At(row, 0));
+}
+
+// Accounts the visit of a slot in use but for its pages.
+void EndVisit(std::int16_t slot) {
+  const stats::Visit& visit = state.slots[slot];
+  std::int32_t seconds = state.slots.LastTime(slot) - visit.StartTime;
+  if (seconds < 0) seconds += kSecondsOf31Days;
+  const bool robot = IsRobot(state.slots.VisitorOf(slot).agent);
+  state.slots.Free(slot);
+  AddToBothBreakdowns(0, visit, seconds, robot);
+  if (const int band = BandOf(seconds); band != 0) AddToBothBreakdowns(band, visit, seconds, robot);
+  __builtin_prefetch(&VisitRowOf(visit.EntryUri));
+  __builtin_prefetch(&VisitRowOf(visit.ExitUri));
+  state.closed.push_back({visit.EntryUri, visit.ExitUri, robot});
+}
+
 void AddToVisit(std::int32_t slot, std::int32_t time, KeyStore::Ref uri, std::int32_t bytes) {
   stats::Visit& visit = state.slots[slot];
   AddTo(visit.Fetches, 1);
@@ -117,6 +150,7 @@ std::int16_t SlotCount() { return state.slots.Count(); }
 std::int16_t SlotCapacity() { return state.slots.Capacity(); }
 
 void InitVisits() {
+  state.closed.clear();
   state.slots.Clear();
   ResetBreakdown(state.all);
   ResetBreakdown(state.non_robot);
@@ -128,7 +162,7 @@ void TrackVisit(stats::Visitor visitor, std::int32_t time, KeyStore::Ref uri, st
     std::int32_t slot = state.slots.Find(visitor);
     // The visitor's own visit is never timed out here, nor any in a higher slot.
     state.slots.CloseIdle(slot == VisitSlots::kNoSlot ? state.slots.Count() : slot,
-                          time - kTimeoutSeconds, CloseVisit);
+                          time - kTimeoutSeconds, EndVisit);
     if (slot == VisitSlots::kNoSlot) slot = OpenVisit(visitor, time, uri);
     AddToVisit(slot, time, uri, bytes);
   } catch (const stats::Fault& fault) {
@@ -145,6 +179,7 @@ void TrackVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAg
   TrackVisit(
       {month.ClientAddresses.Keys().FindOrEnter(clientIp), month.AgentKeys.FindOrEnter(userAgent)},
       time, month.UriKeys.FindOrEnter(uri), bytes);
+  AddPagesOfClosedVisits();
 }
 
 void ReportTrackingError(const std::string& description) {
@@ -153,23 +188,29 @@ void ReportTrackingError(const std::string& description) {
   mdlConfigs::LogWarning("Error tracking visit : " + description);
 }
 
-void CloseVisit(std::int16_t slot) {
-  const stats::Visit& visit = state.slots[slot];
-  std::int32_t seconds = state.slots.LastTime(slot) - visit.StartTime;
-  if (seconds < 0) seconds += kSecondsOf31Days;
-  const bool robot = IsRobot(state.slots.VisitorOf(slot).agent);
-  state.slots.Free(slot);
-  AddToBothBreakdowns(0, visit, seconds, robot);
-  if (const int band = BandOf(seconds); band != 0) AddToBothBreakdowns(band, visit, seconds, robot);
+void AddPagesOfClosedVisits() {
+  for (const ClosedVisit& visit : state.closed) {
+    PrefetchVisitRow(visit.entry_uri);
+    PrefetchVisitRow(visit.exit_uri);
+  }
   mdlMonth::VisitTables& tables = mdlMonth::Month().Visits;
-  AddVisitPage(visit.EntryUri, tables.AllEntry, tables.NonRobotEntry, robot);
-  AddVisitPage(visit.ExitUri, tables.AllExit, tables.NonRobotExit, robot);
+  for (const ClosedVisit& visit : state.closed) {
+    AddVisitPage(visit.entry_uri, tables.AllEntry, tables.NonRobotEntry, visit.robot);
+    AddVisitPage(visit.exit_uri, tables.AllExit, tables.NonRobotExit, visit.robot);
+  }
+  state.closed.clear();
+}
+
+void CloseVisit(std::int16_t slot) {
+  EndVisit(slot);
+  AddPagesOfClosedVisits();
 }
 
 void CloseAllVisits() {
   for (std::int16_t slot = 0; slot < state.slots.Count(); ++slot) {
-    if (state.slots.InUse(slot)) CloseVisit(slot);
+    if (state.slots.InUse(slot)) EndVisit(slot);
   }
+  AddPagesOfClosedVisits();
 }
 
 void AddToBreakdown(Breakdown& breakdown, int row, std::int32_t fetches, std::int32_t seconds) {

@@ -46,10 +46,14 @@ void InitVisits();
 
 // Adds a hit to its visit, opening one when there is none. `time` is in seconds within the
 // period. Visits in lower slots (all slots, for a new visitor) that have been idle too long are
-// closed on the way. `visitor` and `uri` are rows of the month's addresses, agents and URLs.
+// closed on the way; their entry and exit pages wait for `AddPagesOfClosedVisits`. `visitor` and
+// `uri` are rows of the month's addresses, agents and URLs.
 void TrackVisit(stats::Visitor visitor, std::int32_t time, stats::KeyStore::Ref uri,
                 std::int32_t bytes);
-// The same with texts, whose rows are looked for or entered.
+// Adds the entry and exit pages that wait, in the order in which their visits were closed: what
+// they need of the tables comes from memory together.
+void AddPagesOfClosedVisits();
+// Both at once with texts, whose rows are looked for or entered.
 void TrackVisit(const stats::HashedKey& clientIp, const stats::HashedKey& userAgent,
                 std::int32_t time, const stats::HashedKey& uri, std::int32_t bytes);
 // Reports an error that kept a hit out of the visits: one warning a month.
