@@ -23,8 +23,8 @@ struct RecordTexts {
 
 class RecordBatch {
  public:
-  // The record to be filled in next, everything empty or 0, and its texts, which hold anything.
-  stats::LogRecord& Next() { return records_[count_] = stats::LogRecord(); }
+  // The record to be filled in next and its texts; both hold anything.
+  stats::LogRecord& Next() { return records_[count_]; }
   RecordTexts& Texts() { return texts_[count_]; }
   // Keeps that record; adds them all when the batch is full.
   void Keep() {
