@@ -52,7 +52,7 @@ struct Column {
 //   - each name has its token on the line, one blank between two tokens and none elsewhere, and
 //     the line is short enough for every token;
 //   - hour and minute are two digits each, numbers are "-" or at most eight digits.
-// The record parser adds: no filter rules, no diagnostics.
+// The record parser adds: no filter rule that cannot be understood, no diagnostics.
 class RegularColumns {
  public:
   RegularColumns() = default;

@@ -115,6 +115,11 @@ FieldRules::FieldRules(std::string_view fieldName) {
   }
 }
 
+bool FieldRules::Understood() const {
+  return std::all_of(rules_.begin(), rules_.end(),
+                     [](const Prepared& rule) { return rule.pattern.has_value(); });
+}
+
 Verdict FieldRules::Check(std::string_view value) {
   if (rules_.empty()) return Verdict::kKeep;
   if (value.size() > kLongestRemembered) return Evaluate(value);

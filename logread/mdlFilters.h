@@ -55,6 +55,8 @@ class FieldRules {
   FieldRules() = default;
   explicit FieldRules(std::string_view fieldName);
   bool empty() const { return rules_.empty(); }
+  // Whether every pattern can be understood: no value is an error.
+  bool Understood() const;
   // What the rules say of one value.
   Verdict Evaluate(std::string_view value) const;
   // The same. Logs repeat their values, so the verdicts on recent ones are remembered.

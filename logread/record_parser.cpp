@@ -143,10 +143,11 @@ class RecordReader {
     record_.userAgent = Token(Field::kUserAgent);
     record_.userName = Token(Field::kUserName);
     // Emptying the whole record first would cost 2 % of the time.
-    record_.searchKeywords = record_.hostLabel = std::string_view();
-    ReadReferrer(Token(Field::kReferrer));
+    record_.searchKeywords = record_.referrer = record_.hostLabel = std::string_view();
+    if (reading.regular.Has(Field::kReferrer)) ReadReferrer(Token(Field::kReferrer));
     if (reading.regular.Has(Field::kHost)) ReadHost(Token(Field::kHost));
-    Insert();
+    if (reading.has_rules) CheckRegular();
+    if (!skip_) Insert();
     return true;
   }
 
@@ -292,6 +293,15 @@ class RecordReader {
     if (reading.server_name != token) reading.server_name = token;
   }
 
+  // Asks the rules of a regular line's fields; the referrer's have been asked when it was read.
+  void CheckRegular() {
+    for (const Field field : {Field::kMethod, Field::kUriStem, Field::kUriQuery, Field::kStatus,
+                              Field::kUserAgent, Field::kUserName}) {
+      if (reading.regular.Has(field)) Check(field, Token(field));
+    }
+    if (reading.regular.Has(Field::kClientIp)) Check(Field::kClientIp, record_.clientAddress);
+  }
+
   void Store(Field field, std::string_view value, std::string_view& target) {
     target = value;
     Check(field, value);
@@ -319,9 +329,11 @@ ReadingState& Reading() { return reading; }
 
 void PrepareFilters() {
   reading.has_rules = false;
+  reading.rules_understood = true;
   for (std::size_t i = 0; i < kFieldNames.size(); ++i) {
     reading.rules[i] = mdlFilters::FieldRules(kFieldNames[i]);
     reading.has_rules = reading.has_rules || !reading.rules[i].empty();
+    reading.rules_understood = reading.rules_understood && reading.rules[i].Understood();
   }
 }
 
@@ -354,7 +366,7 @@ void ParseRecord(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month
                  std::int16_t year) {
   RecordReader reader({firstDay, lastDay, month, year});
   const bool diagnostic = mdlConfigs::Run().LogTranslations;
-  if (!reading.has_rules && !diagnostic && reader.InsertRegular()) return;
+  if (reading.rules_understood && !diagnostic && reader.InsertRegular()) return;
   try {
     if (!reader.ReadFields()) return;
     if (!reader.skip()) {

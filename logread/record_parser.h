@@ -30,6 +30,7 @@ struct ReadingState {
   RegularColumns regular;           // the same for lines that need no general treatment
   std::array<mdlFilters::FieldRules, kFieldKinds> rules;
   bool has_rules = false;
+  bool rules_understood = true;  // no rule's pattern is an error
   RecordBatch batch;
   std::string server_name;
 };
