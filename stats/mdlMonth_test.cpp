@@ -80,6 +80,20 @@ TEST_F(AddHitTotals, CountersStopAtTheLimitOfSinglePrecision) {
   EXPECT_EQ(Month().DayHits[1], 2.0F);
 }
 
+// The largest number that a log can hold no longer changes a sum of 2^56, so no log makes one
+// overflow.
+TEST_F(AddHitTotals, SumsStopGrowingBeforeTheyOverflow) {
+  constexpr float kStandstill = 72057594037927936.0F;
+  stats::LogRecord record = FullRecord();
+  record.bytesSent = record.timeTaken = 2147483647;
+  Month().TotalBytes = Month().DayBytes[record.day] = Month().TotalTimeTaken = kStandstill;
+  Add(record);
+  EXPECT_EQ(Month().TotalBytes, kStandstill);
+  EXPECT_EQ(Month().DayBytes[record.day], kStandstill);
+  EXPECT_EQ(Month().TotalTimeTaken, kStandstill);
+  EXPECT_TRUE(log_.entries.empty());
+}
+
 TEST_F(AddHitTotals, BytesAreConvertedToSinglePrecisionBeforeTheyAreAdded) {
   AddAt(1, 1, 16777217);
   EXPECT_EQ(Month().TotalBytes, 16777216.0F);

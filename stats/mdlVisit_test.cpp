@@ -355,6 +355,26 @@ TEST_F(VisitRobots, AreRecognisedWhenTheVisitCloses) {
   EXPECT_EQ(NonRobotVisitLengths()[0].Visits, 0);
 }
 
+// Pages of closed visits are added after the hits of a batch; the visitor's /robots.txt, fetched
+// later in it, is too late for the visit that was closed.
+TEST_F(VisitRobots, AreNotRecognisedByWhatFollowsInTheSameBatch) {
+  std::vector<stats::LogRecord> batch(3);
+  for (stats::LogRecord& record : batch) record.day = 1;
+  batch[0].uriStem = "/first";
+  batch[0].clientAddress = batch[2].clientAddress = "a";
+  batch[0].userAgent = batch[2].userAgent = "Stealth";
+  batch[1].hour = batch[2].hour = 1;
+  batch[1].uriStem = "/other";
+  batch[1].clientAddress = "b";
+  batch[2].uriStem = "/robots.txt";
+  mdlMonth::AddHits(batch);
+  EXPECT_EQ(Keys(Month().Visits.NonRobotEntry), KeyList{"/first"});
+  EXPECT_EQ(NonRobotVisitLengths()[0].Visits, 1);
+  CloseAllVisits();
+  EXPECT_EQ(Keys(Month().Visits.AllEntry), (KeyList{"/first", "/other", "/robots.txt"}));
+  EXPECT_EQ(Keys(Month().Visits.NonRobotEntry), (KeyList{"/first", "/other"}));
+}
+
 TEST_F(VisitErrors, OverflowOfSecondsEndsTheCallAndKeepsWhatWasAdded) {
   AddToBreakdown(AllVisitLengths(), 0, 2, kMaxInt);
   const float squares = AllVisitLengths()[0].SecondsSquares;
