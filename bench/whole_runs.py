@@ -11,7 +11,6 @@ slow machine; the ratios are what to compare.
 import argparse
 import datetime
 import os
-import shutil
 import statistics
 import subprocess
 import sys
@@ -39,31 +38,45 @@ def make_logs(build, name, lines, options):
     return folder
 
 
-def timed(command, **options):
-    """Wall seconds of one run and its peak memory in MB."""
-    start = time.monotonic()
+def run(command, **options):
+    """Runs a program to its end; what it used."""
     process = subprocess.Popen(command, stdout=subprocess.DEVNULL, **options)
     _, status, usage = os.wait4(process.pid, 0)
     if status != 0:
         sys.exit(f"{command[0]} failed")
+    return usage
+
+
+def timed(command, **options):
+    """Wall seconds of one run and its peak memory in MB."""
+    start = time.monotonic()
+    usage = run(command, **options)
     return time.monotonic() - start, usage.ru_maxrss / 1024
 
 
+def used(command, **options):
+    """Processor seconds of one run, user and system, and its peak memory in MB."""
+    usage = run(command, stderr=subprocess.DEVNULL, **options)
+    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+
+
+def prepare_run(scratch, logs, more_settings=""):
+    """Writes the settings of a site "bench" below a folder; the environment that finds them."""
+    usage, config = os.path.join(scratch, "usage"), os.path.join(scratch, "config", "hitwick")
+    os.makedirs(usage)
+    os.makedirs(config)
+    with open(os.path.join(config, "settings.ini"), "w", encoding="utf-8") as settings:
+        # No listed rows means no name lookups: the network is not what is measured.
+        settings.write(f"[bench]\nIISLogDir={os.path.abspath(logs)}\nUsageDir={usage}\n"
+                       "UseUTC=True\nMaxListSize=0\n" + more_settings)
+    return dict(os.environ, XDG_CONFIG_HOME=os.path.join(scratch, "config"),
+                XDG_STATE_HOME=os.path.join(scratch, "state"))
+
+
 def run_program(build, logs, more_settings=""):
-    scratch = tempfile.mkdtemp()
-    try:
-        usage, config = os.path.join(scratch, "usage"), os.path.join(scratch, "config", "hitwick")
-        os.makedirs(usage)
-        os.makedirs(config)
-        with open(os.path.join(config, "settings.ini"), "w", encoding="utf-8") as settings:
-            # No listed rows means no name lookups: the network is not what is measured.
-            settings.write(f"[bench]\nIISLogDir={os.path.abspath(logs)}\nUsageDir={usage}\n"
-                           "UseUTC=True\nMaxListSize=0\n" + more_settings)
-        environment = dict(os.environ, XDG_CONFIG_HOME=os.path.join(scratch, "config"),
-                           XDG_STATE_HOME=os.path.join(scratch, "state"))
+    with tempfile.TemporaryDirectory() as scratch:
+        environment = prepare_run(scratch, logs, more_settings)
         return timed([os.path.join(build, "hitwick"), "/BATCH", "/SITE=bench"], env=environment)
-    finally:
-        shutil.rmtree(scratch)
 
 
 def measure(build, logs, runs):
