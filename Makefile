@@ -13,6 +13,7 @@ BENCH_PACKAGES = $(SERVER_PACKAGES) libbenchmark-dev python3
 WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix
 WINE_PACKAGES = $(WINDOWS_PACKAGES) $(SERVER_TEST_PACKAGES) googletest wine wine64
 FUZZ_PACKAGES = clang libclang-rt-dev cmake ninja-build python3
+SETUP_PACKAGES = $(WINDOWS_PACKAGES) nsis python3
 FORMAT_PACKAGES = clang-format git
 PICTURE_PACKAGES = $(SERVER_PACKAGES) chromium fonts-liberation imagemagick
 TIDY_PACKAGES = $(TEST_PACKAGES) clang-tidy git
@@ -27,7 +28,7 @@ FUZZ_SECONDS = 60
 
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
-.PHONY: build server demo picture test test-server test-asan test-faults fuzz fuzz-fast mutants bench windows test-windows format check-format tidy clean
+.PHONY: build server demo picture test test-server test-asan test-faults fuzz fuzz-fast mutants bench windows test-windows package-windows test-package-windows format check-format tidy clean
 
 build:
 	tools/need.sh $(BUILD_PACKAGES)
@@ -111,6 +112,17 @@ test-windows:
 	cmake --preset windows-mingw -DHITWICK_TESTS=ON $(CONFIGURE)
 	cmake --build --preset windows-mingw
 	tests/windows/run.sh build/windows-mingw build/server
+
+# The setup and the zip, in build/packages.
+package-windows: windows
+	tools/need.sh $(SETUP_PACKAGES)
+	packaging/windows/package.py build/windows-mingw build/packages
+
+test-package-windows: package-windows
+	tools/need.sh $(WINE_PACKAGES)
+	cmake --preset windows-mingw -DHITWICK_TESTS=ON $(CONFIGURE)
+	cmake --build --preset windows-mingw --target add_task stay
+	tests/windows/package_test.py --build build/windows-mingw --packages build/packages
 
 format:
 	tools/need.sh $(FORMAT_PACKAGES)

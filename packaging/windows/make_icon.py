@@ -13,7 +13,7 @@ import zlib
 # that every edge is sharp; and the tile's corner radius.
 SIZES = {
     16: dict(left=3, width=2, step=4, bottom=3, heights=(4, 10, 7), radius=3),
-    32: dict(left=6, width=6, step=7, bottom=6, heights=(8, 20, 14), radius=6),
+    32: dict(left=5, width=6, step=8, bottom=6, heights=(8, 20, 14), radius=6),
     48: dict(left=9, width=8, step=11, bottom=9, heights=(12, 30, 21), radius=9),
     256: dict(left=50, width=40, step=58, bottom=48, heights=(66, 160, 112), radius=48),
 }

@@ -13,17 +13,10 @@ rm -rf "$WINEPREFIX"
 mkdir -p "$WINEPREFIX"
 trap 'wineserver -k || true' EXIT
 
-# Wine's services are started here: a test that had to start them would wait for their end, too.
-start_services() {
-  wineserver -p
-  wine wineboot -i >/dev/null 2>&1 </dev/null
-  wine net start Schedule >/dev/null 2>&1 </dev/null
-}
-# Starting them while the prefix is being made can fail for good on a busy machine.
-for _ in 1 2 3; do
-  start_services && break
-  wineserver -k -w
-done
+# Wine's services are started here: a test that had to start them would wait for their end, too. The
+# first program may be any but `wineboot -i`, which would start the services a second time.
+wineserver -p
+wine cmd /c exit >/dev/null 2>&1 </dev/null
 
 status=0
 ctest --test-dir "$windows" --output-on-failure || status=1

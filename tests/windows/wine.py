@@ -42,15 +42,17 @@ class Wine:
         return run(["wine", *arguments], self.environment(zone, debug), epoch)
 
     def environment(self, zone="UTC", debug="-all"):
+        # Without the last, shortcuts would be put into the menus of this system's desktop, too.
         return {"HOME": os.environ.get("HOME", "/"), "WINEPREFIX": str(self.prefix),
-                "WINEDEBUG": debug, "TZ": zone}
+                "WINEDEBUG": debug, "TZ": zone, "WINEDLLOVERRIDES": "winemenubuilder.exe=d"}
 
     def start(self):
         """Makes the prefix when it does not exist yet, and keeps Wine's services running. Started
         with the first program instead, they would hold its standard error open until they end,
-        and be started again for the next one."""
+        and be started again for the next one. (The first program may be any but `wineboot -i`,
+        which would start the services a second time.)"""
         self.prefix.mkdir(parents=True, exist_ok=True)
-        for command in (["wineserver", "-p"], ["wine", "wineboot", "-i"]):
+        for command in (["wineserver", "-p"], ["wine", "cmd", "/c", "exit"]):
             subprocess.run(command, env={**os.environ, **self.environment()}, check=False,
                            timeout=TIMEOUT_SECONDS, stdin=subprocess.DEVNULL,
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -58,6 +60,11 @@ class Wine:
     def stop(self):
         """Ends everything that runs in the prefix."""
         run(["wineserver", "-k"], self.environment())
+        run(["wineserver", "-w"], self.environment())
+
+    def restart(self):
+        self.stop()
+        self.start()
 
     def store(self, keys):
         """Writes text values: {key below the settings branch: {name: text}}."""
