@@ -14,7 +14,7 @@ triple=x86_64-w64-mingw32
 # Everything that can be left out is; this is what the windows use, and what that in turn needs.
 features=(accel accessibility any autoidman bmpbutton button checkbox choice clipboard combobox
   commondlg config controls dataobj datetime dccache dirdlg display dynamicloader dynlib exceptions
-  ffile file fontenum fontmap gauge image imaglist intl listbox log longlong menubar menus
+  ffile file filedlg fontenum fontmap gauge image imaglist intl listbox log longlong menubar menus
   mousewheel msgdlg ole ownerdrawn palette radiobtn regkey scrollbar statbmp statbox statline
   stattext stdpaths stopwatch streams sysoptions textbuf textctrl textfile threads timer tooltips
   treectrl uxtheme validators variant wxdib xpm)
