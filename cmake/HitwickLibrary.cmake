@@ -1,11 +1,17 @@
 # Compile flags of the project's own code, and the one way in which a folder becomes a library.
 
 add_library(hitwick_flags INTERFACE)
-target_compile_options(hitwick_flags INTERFACE
-  -Wall -Wextra -Wconversion -Wshadow
-  # Sums are specified operation by operation; a fused multiply-add would round once too seldom.
-  -ffp-contract=off
-  $<$<BOOL:${HITWICK_WERROR}>:-Werror>)
+# Sums are specified operation by operation; a fused multiply-add would round once too seldom.
+if(MSVC)
+  # Clang in the clothes of Visual Studio's compiler.
+  target_compile_options(hitwick_flags INTERFACE
+    /W4 /utf-8 /EHsc /clang:-ffp-contract=off $<$<BOOL:${HITWICK_WERROR}>:/WX>)
+  target_compile_definitions(hitwick_flags INTERFACE _CRT_SECURE_NO_WARNINGS NOMINMAX)
+else()
+  target_compile_options(hitwick_flags INTERFACE
+    -Wall -Wextra -Wconversion -Wshadow -ffp-contract=off
+    $<$<BOOL:${HITWICK_WERROR}>:-Werror>)
+endif()
 
 # hitwick_library(NAME SOURCES file... [LINKS folder...])
 #

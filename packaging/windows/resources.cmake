@@ -2,7 +2,7 @@
 include_guard(GLOBAL)
 
 enable_language(RC)
-find_program(HITWICK_MESSAGE_COMPILER NAMES x86_64-w64-mingw32-windmc windmc REQUIRED
+find_program(HITWICK_MESSAGE_COMPILER NAMES x86_64-w64-mingw32-windmc windmc mc REQUIRED
              DOC "Compiles message tables")
 
 set(HITWICK_RESOURCES ${CMAKE_CURRENT_LIST_DIR})
@@ -25,6 +25,9 @@ function(hitwick_link_resources target script)
     OBJECT_DEPENDS
       "${HITWICK_RESOURCES}/hitwick.manifest;${HITWICK_RESOURCES}/hitwick.ico;${HITWICK_RESOURCES}/services.rc")
   target_sources(${target} PRIVATE ${script})
+  if(MSVC)
+    target_link_options(${target} PRIVATE /MANIFEST:NO)  # it is among the resources
+  endif()
   add_dependencies(${target} hitwick_messages)
 endfunction()
 
