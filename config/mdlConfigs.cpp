@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::string_view kW3C = "W3C";
 constexpr std::int32_t kDefaultListSize = 100;
+const std::string kDefaultClientIPField = "c-ip";
 
 RunState run_state;
 
@@ -118,12 +119,13 @@ bool LoadUsageFolder() {
   return true;
 }
 
-void ReadListSizeAndFlags() {
+void ReadOptions() {
   ReadListSize();
   SiteSettings& settings = Run().Settings;
   settings.UseUTC = ReadFlag("UseUTC");
   settings.ShowUsernames = ReadFlag("ShowUsernames");
   settings.GenerateCSV = ReadFlag("GenerateCSV");
+  settings.ClientIPField = ReadSetting("ClientIPField", kDefaultClientIPField);
 }
 
 bool CheckLogFolderForSaving() {
@@ -192,7 +194,7 @@ std::int16_t LoadSiteSettings(const std::function<void(const std::string& site)>
   unread_settings::Report(run.SiteName);
   if (!LoadLogFormat() || !LoadLogFolder()) return 1;
   const bool usage_folder_found = LoadUsageFolder();
-  ReadListSizeAndFlags();
+  ReadOptions();
   load_filters(run.SiteName);
   return usage_folder_found ? 0 : 1;
 }
@@ -202,7 +204,7 @@ void ReadSettingsUnchecked() {
   settings.LogFormat = ReadSetting("IISLogFormat", std::string(kW3C));
   settings.LogDir = ReadSetting("IISLogDir", DefaultLogFolder());
   settings.UsageDir = ReadSetting("UsageDir", DefaultUsageFolder());
-  ReadListSizeAndFlags();
+  ReadOptions();
 }
 
 std::int16_t SaveSiteSettings() {

@@ -17,13 +17,14 @@
 namespace mdlConfigs {
 
 struct SiteSettings {
-  std::string LogFormat;           // only "W3C" is processed
-  std::string LogDir;              // the site's log folder, without trailing separator
-  std::string UsageDir;            // where pages, CSV files and the history are written
-  std::int32_t MaxListSize = 100;  // rows of a ranked table; 0 and below list nothing
-  bool UseUTC = false;             // report in UTC instead of local time
-  bool ShowUsernames = false;      // include the table of user names
-  bool GenerateCSV = false;        // write CSV companions
+  std::string LogFormat;               // only "W3C" is processed
+  std::string LogDir;                  // the site's log folder, without trailing separator
+  std::string UsageDir;                // where pages, CSV files and the history are written
+  std::int32_t MaxListSize = 100;      // rows of a ranked table; 0 and below list nothing
+  bool UseUTC = false;                 // report in UTC instead of local time
+  bool ShowUsernames = false;          // include the table of user names
+  bool GenerateCSV = false;            // write CSV companions
+  std::string ClientIPField = "c-ip";  // the log's field that holds the visitor's address
 };
 
 // What a window wants to know of a run. Without windows the hooks stay empty.
@@ -81,13 +82,13 @@ std::string DefaultLogFolder();
 // `load_filters` is called with the site's name once the log folder has been found good.
 std::int16_t LoadSiteSettings(const std::function<void(const std::string& site)>& load_filters);
 
-// Reads all seven values into `Run().Settings` without any check, so that a window can show what is
+// Reads all values into `Run().Settings` without any check, so that a window can show what is
 // stored when `LoadSiteSettings` has stopped half-way.
 void ReadSettingsUnchecked();
 
-// Checks `Run().Settings` and stores all seven values. Returns 0 when saved; 1, with nothing
-// stored, when the log folder holds no logs or the usage folder does not exist; 1 as well when the
-// store refused a value (logged), the others being stored.
+// Checks `Run().Settings` and stores the seven values that the configuration window shows. Returns
+// 0 when saved; 1, with nothing stored, when the log folder holds no logs or the usage folder does
+// not exist; 1 as well when the store refused a value (logged), the others being stored.
 std::int16_t SaveSiteSettings();
 
 }  // namespace mdlConfigs

@@ -102,6 +102,7 @@ TEST_F(LoadSiteSettings, ReadsEveryValue) {
   store_.Put("web1", "UseUTC", "True");
   store_.Put("web1", "ShowUsernames", "True");
   store_.Put("web1", "GenerateCSV", "True");
+  store_.Put("web1", "ClientIPField", "X-Forwarded-For");
   EXPECT_EQ(Load(), 0);
   EXPECT_EQ(Settings().LogFormat, "W3C");
   EXPECT_EQ(Settings().LogDir, "logs");
@@ -110,6 +111,7 @@ TEST_F(LoadSiteSettings, ReadsEveryValue) {
   EXPECT_TRUE(Settings().UseUTC);
   EXPECT_TRUE(Settings().ShowUsernames);
   EXPECT_TRUE(Settings().GenerateCSV);
+  EXPECT_EQ(Settings().ClientIPField, "X-Forwarded-For");
   EXPECT_EQ(filters_loaded_for_, List{"web1"});
   EXPECT_EQ(store_.open_keys(), 0U);
 }
@@ -154,6 +156,7 @@ TEST_F(LoadSiteSettings, MissingValuesHaveDefaults) {
   EXPECT_FALSE(Settings().UseUTC);
   EXPECT_FALSE(Settings().ShowUsernames);
   EXPECT_FALSE(Settings().GenerateCSV);
+  EXPECT_EQ(Settings().ClientIPField, "c-ip");
 }
 
 TEST_F(LoadSiteSettings, DefaultLogFolderFollowsTheSystemsVersion) {
@@ -344,6 +347,14 @@ TEST_F(SaveSiteSettings, StoresAllSevenValuesInOrder) {
   EXPECT_TRUE(log_.entries.empty());
   EXPECT_TRUE(boxes_.shown.empty());
   EXPECT_EQ(store_.open_keys(), 0U);
+}
+
+// No window shows it, so what somebody wrote there stays.
+TEST_F(SaveSiteSettings, LeavesTheFieldOfTheVisitorAlone) {
+  store_.Put("web1", "ClientIPField", "X-Forwarded-For");
+  Settings().ClientIPField = "c-ip";
+  EXPECT_EQ(mdlConfigs::SaveSiteSettings(), 0);
+  EXPECT_EQ(store_.Get("web1", "ClientIPField"), "X-Forwarded-For");
 }
 
 TEST_F(SaveSiteSettings, SavedValuesReadBackAlike) {

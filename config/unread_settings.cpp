@@ -17,7 +17,7 @@ using mdlRegistry::KeyPath;
 // What `mdlConfigs` reads of a site.
 constexpr std::string_view kSiteNames[] = {
     "IISLogFormat", "IISLogDir",     "UsageDir",    "MaxListSize",
-    "UseUTC",       "ShowUsernames", "GenerateCSV",
+    "UseUTC",       "ShowUsernames", "GenerateCSV", "ClientIPField",
 };
 
 // What `mdlFilters` reads and writes of a rule.

@@ -41,7 +41,7 @@ class UnreadSettings : public testing::Test {
 
 TEST_F(UnreadSettings, SettingsOfASiteAreKnownInAnyLetterCase) {
   for (const char* name : {"IISLogFormat", "iislogdir", "USAGEDIR", "MaxListSize", "UseUTC",
-                           "ShowUsernames", "GenerateCSV"}) {
+                           "ShowUsernames", "GenerateCSV", "ClientIPField"}) {
     store_.Put("web1", name, "x");
   }
   EXPECT_EQ(Reported(), List());

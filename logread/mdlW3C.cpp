@@ -189,7 +189,7 @@ void ReadLogFile(const std::string& path, std::int16_t firstDay, std::int16_t la
       platform::TheFileSystem().OpenForReading(path, &error);
   if (!file) return LogFileError("Error on open of  ", path, error);
   if (const auto& pump = mdlConfigs::Run().Ui.process_pending_events) pump();
-  PrepareFilters();
+  PrepareFields();
   lines.Start(*file);
   ReadLines(lines, {firstDay, lastDay, month, year});
   if (lines.error() != 0) LogFileError("Error during read of  ", path, lines.error());

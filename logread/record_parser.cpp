@@ -4,6 +4,7 @@
 
 #include "config/mdlConfigs.h"
 #include "config/text.h"
+#include "logread/visitor_address.h"
 #include "stats/fault.h"
 #include "stats/log_record.h"
 #include "stats/mdlMonth.h"
@@ -111,10 +112,14 @@ class RecordReader {
   // Reads all fields; false when the record's month is not the period's.
   bool ReadFields() {
     record_ = stats::LogRecord();
-    for (const Column& column : reading.columns) {
+    for (std::size_t i = 0; i < reading.columns.size(); ++i) {
+      const Column& column = reading.columns[i];
       step_ = column.name;
-      if (!ReadField(column.field, NextToken())) return false;
+      const std::string_view token = NextToken();
+      if (i == reading.visitor_column) visitor_ = token;
+      if (!ReadField(column.field, token)) return false;
     }
+    if (reading.visitor_column) ReadVisitor();
     return true;
   }
 
@@ -179,7 +184,7 @@ class RecordReader {
         ReadTime(token);
         return InPeriod();
       case Field::kClientIp:
-        Store(field, VisitorAddress(token), record_.clientAddress);
+        ReadClientAddress(token);
         break;
       case Field::kMethod:
         Store(field, token, record_.method);
@@ -270,6 +275,22 @@ class RecordReader {
     return BeginsWith(token, "::1") || BeginsWith(token, "fe80:") ? "127.0.0.1" : token;
   }
 
+  // Where the site names another field for the visitor, "c-ip" only stands in for it, and rules
+  // see the address that counts.
+  void ReadClientAddress(std::string_view token) {
+    if (reading.visitor_column) {
+      record_.clientAddress = token;
+    } else {
+      Store(Field::kClientIp, VisitorAddress(token), record_.clientAddress);
+    }
+  }
+
+  void ReadVisitor() {
+    const std::string_view address = logread::FirstAddress(visitor_);
+    const std::string_view counted = address.empty() ? record_.clientAddress : address;
+    if (!counted.empty()) Store(Field::kClientIp, VisitorAddress(counted), record_.clientAddress);
+  }
+
   // The search words come from the referrer's query; what is stored is the page without query and
   // fragment.
   void ReadReferrer(std::string_view token) {
@@ -320,6 +341,7 @@ class RecordReader {
   RecordTexts& texts_ = reading.batch.Texts();
   calendar::Date record_date_;
   std::string_view step_;
+  std::string_view visitor_;  // the token of the column that the site names
   bool skip_ = false;
 };
 
@@ -327,7 +349,27 @@ class RecordReader {
 
 ReadingState& Reading() { return reading; }
 
-void PrepareFilters() {
+namespace {
+
+std::optional<std::size_t> VisitorColumn() {
+  const std::string& wanted = mdlConfigs::Run().Settings.ClientIPField;
+  if (wanted == kFieldNames[static_cast<std::size_t>(Field::kClientIp)]) return std::nullopt;
+  for (std::size_t i = 0; i < reading.columns.size(); ++i) {
+    if (text::EqualsIgnoringCase(reading.columns[i].name, wanted)) return i;
+  }
+  return std::nullopt;
+}
+
+// What follows from the field list and the settings.
+void PrepareColumns() {
+  reading.visitor_column = VisitorColumn();
+  reading.regular = reading.visitor_column ? RegularColumns() : RegularColumns(reading.columns);
+}
+
+}  // namespace
+
+void PrepareFields() {
+  PrepareColumns();
   reading.has_rules = false;
   reading.rules_understood = true;
   for (std::size_t i = 0; i < kFieldNames.size(); ++i) {
@@ -359,7 +401,7 @@ void ReadHeaderLine() {
   } catch (const stats::Fault&) {
     // The names before the end of the cursor's range form the list.
   }
-  reading.regular = RegularColumns(reading.columns);
+  PrepareColumns();
 }
 
 void ParseRecord(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,9 @@ struct ReadingState {
   std::int16_t offset_minutes = 0;  // carries the same sign
   std::vector<Column> columns;      // of the last "#Fields:" line
   RegularColumns regular;           // the same for lines that need no general treatment
+  // Of the field that the site names for the visitor's address; none when that is "c-ip" or when
+  // the list does not have it.
+  std::optional<std::size_t> visitor_column;
   std::array<mdlFilters::FieldRules, kFieldKinds> rules;
   bool has_rules = false;
   bool rules_understood = true;  // no rule's pattern is an error
@@ -37,9 +41,9 @@ struct ReadingState {
 
 ReadingState& Reading();
 
-// Looks up which filter rules apply to which field; to be called before records are parsed and
-// after the rules have changed.
-void PrepareFilters();
+// Looks up which filter rules apply to which field and which column holds the visitor's address; to
+// be called before the records of a file are parsed and after rules or settings have changed.
+void PrepareFields();
 
 // The next blank-separated token; empty at the end of the line. Throws `stats::Fault` when it
 // would leave the (1-based, 16-bit) cursor above 32,767.
