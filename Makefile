@@ -1,7 +1,7 @@
 # The door to the project: every target installs what it needs and says so.
 
-# Without windows nothing but the standard library is needed.
-SERVER_PACKAGES = g++ cmake ninja-build
+# Without windows nothing but the standard library is needed, and zlib for compressed logs.
+SERVER_PACKAGES = g++ cmake ninja-build zlib1g-dev
 BUILD_PACKAGES = $(SERVER_PACKAGES) libwxgtk3.2-dev libgtk-3-dev pkg-config
 SERVER_TEST_PACKAGES = $(SERVER_PACKAGES) libgtest-dev libgmock-dev python3 faketime tzdata \
   libxml2-utils cron locales chromium chromium-driver
@@ -10,10 +10,12 @@ UI_TEST_PACKAGES = xvfb xauth openbox xdotool dbus-daemon at-spi2-core gir1.2-at
   python3-gi imagemagick locales cron
 TEST_PACKAGES = $(BUILD_PACKAGES) $(SERVER_TEST_PACKAGES) $(UI_TEST_PACKAGES)
 BENCH_PACKAGES = $(SERVER_PACKAGES) libbenchmark-dev python3
-WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix
+WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
 WINE_PACKAGES = $(WINDOWS_PACKAGES) $(SERVER_TEST_PACKAGES) googletest wine wine64
 FUZZ_PACKAGES = clang libclang-rt-dev cmake ninja-build python3
 SETUP_PACKAGES = $(WINDOWS_PACKAGES) nsis python3
+PACKAGE_PACKAGES = $(BUILD_PACKAGES) dpkg-dev file
+PACKAGE_TEST_PACKAGES = lintian systemd debootstrap desktop-file-utils
 FORMAT_PACKAGES = clang-format git
 PICTURE_PACKAGES = $(SERVER_PACKAGES) chromium fonts-liberation imagemagick
 TIDY_PACKAGES = $(TEST_PACKAGES) clang-tidy git
@@ -28,7 +30,9 @@ FUZZ_SECONDS = 60
 
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
-.PHONY: build server demo picture test test-server test-asan test-faults fuzz fuzz-fast mutants bench windows test-windows package-windows test-package-windows format check-format tidy clean
+.PHONY: build server demo picture package test test-server test-asan test-faults test-packages \
+  fuzz fuzz-fast mutants bench windows test-windows package-windows test-package-windows format \
+  check-format tidy clean
 
 build:
 	tools/need.sh $(BUILD_PACKAGES)
@@ -123,6 +127,26 @@ test-package-windows: package-windows
 	cmake --preset windows-mingw -DHITWICK_TESTS=ON $(CONFIGURE)
 	cmake --build --preset windows-mingw --target add_task stay
 	tests/windows/package_test.py --build build/windows-mingw --packages build/packages
+
+# Debian packages and archives of both programs, with windows and without.
+package:
+	tools/need.sh $(PACKAGE_PACKAGES)
+	rm -f build/packages/*.deb build/packages/*.tar.gz
+	cmake --preset release -DHITWICK_TESTS=OFF -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset release
+	cpack --config build/release/CPackConfig.cmake
+	cmake --preset server -DHITWICK_TESTS=OFF -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset server
+	cpack --config build/server/CPackConfig.cmake
+	rm -rf build/packages/_CPack_Packages
+	cd build/packages && sha256sum hitwick* > SHA256SUMS
+
+# Looks at the packages, then installs, runs, upgrades and purges each in a clean root (needs root).
+test-packages: package
+	tools/need.sh $(PACKAGE_TEST_PACKAGES)
+	tests/packages/look.sh build/packages
+	tests/packages/units.sh build/packages
+	tests/packages/clean_root.sh build/packages
 
 format:
 	tools/need.sh $(FORMAT_PACKAGES)

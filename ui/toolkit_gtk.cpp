@@ -25,10 +25,12 @@ void DeleteAction(gpointer action, GClosure* /*closure*/) { delete static_cast<A
 
 }  // namespace
 
-// The toolkit speaks the user's language, but numbers in files keep their decimal point.
+// The toolkit speaks the user's language, but numbers in files keep their decimal point. The icon
+// is the one that is installed for the desktop.
 void PrepareToolkit() {
   std::setlocale(LC_ALL, "");
   std::setlocale(LC_NUMERIC, "C");
+  gtk_window_set_default_icon_name("hitwick");
 }
 
 void GiveIcon(wxTopLevelWindow* /*window*/) {}
