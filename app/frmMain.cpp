@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "app/progress_line.h"
 #include "app/run_driver.h"
 #include "config/calendar.h"
 #include "config/mdlConfigs.h"
@@ -147,7 +148,22 @@ constexpr Switch kSwitches[] = {
      .spelling = "/SITE=NAME",
      .help = "use the settings of this site (default: INI)",
      .apply = NameSite},
+    {.text = "--quiet",
+     .spelling = "--quiet",
+     .help = "no progress line at a terminal",
+     .apply = [](std::string_view) { Run().Quiet = true; }},
+    // The entry has answered this one before any other is applied.
+    {.text = "--sites",
+     .spelling = "--sites",
+     .help = "print the configured sites, one a line, and end",
+     .apply = [](std::string_view) {}},
 };
+
+// Where a switch stands in a token.
+std::size_t PositionOf(const Switch& known, std::string_view token) {
+  if (!known.text.starts_with("--")) return text::FindIgnoringCase(token, known.text);
+  return token == known.text ? 0 : text::kNone;
+}
 
 }  // namespace
 
@@ -155,7 +171,7 @@ std::span<const Switch> Switches() { return kSwitches; }
 
 void ApplySwitch(std::string_view token) {
   for (const Switch& known : kSwitches) {
-    const std::size_t position = text::FindIgnoringCase(token, known.text);
+    const std::size_t position = PositionOf(known, token);
     if (position != text::kNone) known.apply(token.substr(position));
   }
   mdlConfigs::LogInformation(": Configuration for site name is '" + Run().SiteName + "'");
@@ -186,6 +202,13 @@ bool CatchUp() {
 
 namespace {
 
+int UnattendedRun() {
+  progress_line::Begin();
+  const int exit_code = ExitCode(Run().CatchUpMode ? CatchUp() : BatchRun());
+  progress_line::End();
+  return exit_code;
+}
+
 // The start-up sequence up to the end of the run that it chose.
 int StartUp(const std::string& command_line) {
   Run().OnDemandMode = false;
@@ -195,9 +218,7 @@ int StartUp(const std::string& command_line) {
   ParseCommandLine(command_line);
   mod_systemInfo::AllowBoxes(!Run().BatchMode);
   if (start_window_unloaded) return kExitNotStarted;
-  if (Run().CatchUpMode) return ExitCode(CatchUp());
-  if (Run().BatchMode) return ExitCode(BatchRun());
-  return InteractiveRun();
+  return IsInteractive() ? InteractiveRun() : UnattendedRun();
 }
 
 // A month that memory does not suffice for is the run driver's concern; this is for all the rest.

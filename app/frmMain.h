@@ -23,13 +23,14 @@ int Form_Load(const std::string& command_line);
 void Form_Terminate();
 
 // A switch of the command line. It is recognised wherever its text stands in a token, so no entry's
-// spelling may hold the text of another: a switch "/BOX" would also set batch mode. New ones need a
-// letter of their own behind the "/".
+// spelling may hold the text of another: a switch "/BOX" would also set batch mode. New ones are
+// words behind "--".
 struct Switch {
   std::string_view text;      // what is looked for, letter case ignored
   std::string_view spelling;  // how the help and the README write it
   std::string_view help;      // what it does, in half a line
-  // Carries it out; `found` is the token from the switch's text on.
+  // Carries it out; `found` is the token from the switch's text on. A word that begins with "--"
+  // counts only as a whole token, so that it may be part of a site's name.
   void (*apply)(std::string_view found);
 };
 

@@ -15,7 +15,7 @@ Usage: hitwick SWITCH...
 )";
 constexpr std::string_view kAfter =
     R"(
-A switch is recognised anywhere in an argument, in any letter case; /B is enough for /BATCH.
+A "/" switch is recognised anywhere in an argument, in any letter case; /B is enough for /BATCH.
 Exit code: 0 pages and history written, 1 settings unusable or a file not written, 2 not started.
 )";
 

@@ -1,10 +1,11 @@
-// Help and version on request, else the start-up sequence.
+// Help, version and sites on request, else the start-up sequence.
 
 #include <algorithm>
 #include <iostream>
 
 #include "app/frmMain.h"
 #include "app/help.h"
+#include "app/site_list.h"
 #include "config/program.h"
 #include "platform/entry.h"
 
@@ -20,5 +21,6 @@ int ProgramMain(const std::vector<std::string>& arguments, const std::string& co
     std::cout << program::kTitle << ' ' << program::Version() << '\n' << std::flush;
     return frmMain::kExitDone;
   }
+  if (given("--sites")) return PrintSites();
   return frmMain::Form_Load(command_line);
 }

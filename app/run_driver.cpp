@@ -90,6 +90,10 @@ void ReportMonth(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month
   if (stats::CountsAreLost()) GiveUpMonth(month);
 }
 
+void ShowMonth(const MonthBegun& begun) {
+  if (Run().Ui.show_month) Run().Ui.show_month(begun);
+}
+
 void ShowMonthsDone(int done, int all) {
   if (Run().Ui.show_months_done) Run().Ui.show_months_done(done, all);
 }
@@ -107,6 +111,7 @@ std::int16_t RunPeriod(std::int16_t firstDay, std::int16_t lastDay, std::int16_t
   std::int16_t year = firstYear;
   const int all_months = (lastYear - firstYear) * 12 + lastMonth - firstMonth + 1;
   for (int months_done = 1;; ++months_done) {
+    ShowMonth({.month = month, .year = year, .number = months_done, .all = all_months});
     ReportMonth(firstDay, lastDay, month, year);
     ShowMonthsDone(months_done, all_months);
     if (month == lastMonth && year == lastYear) break;

@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <utility>
 
+#include "config/log_files.h"
 #include "config/mdlRegistry.h"
 #include "config/program.h"
 #include "config/text.h"
@@ -31,9 +32,7 @@ std::string DefaultUsageFolder() {
 
 // True when the folder holds at least one log file of either prefix.
 bool HasLogFiles(const std::string& folder) {
-  platform::FileSystem& files = platform::TheFileSystem();
-  return !files.ListFiles(folder, "ex", ".log").empty() ||
-         !files.ListFiles(folder, "u_ex", ".log").empty();
+  return !log_files::List(folder, "ex").empty() || !log_files::List(folder, "u_ex").empty();
 }
 
 std::string SiteKeyPath() { return std::string(platform::kSettingsBranch) + "\\" + Run().SiteName; }
@@ -155,6 +154,7 @@ RunState& Run() { return run_state; }
 void ResetRun() {
   run_state = RunState();
   unread_settings::Reset();
+  log_files::Reset();
 }
 
 void LogEntry(platform::EventLevel level, std::string_view text) {

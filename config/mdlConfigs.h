@@ -27,9 +27,19 @@ struct SiteSettings {
   std::string ClientIPField = "c-ip";  // the log's field that holds the visitor's address
 };
 
-// What a window wants to know of a run. Without windows the hooks stay empty.
+// A month that a run begins with; `number` (from 1) of `all`.
+struct MonthBegun {
+  int month, year, number, all;
+};
+
+// What a window, or somebody at a terminal, wants to know of a run. Without them the hooks stay
+// empty.
 struct Progress {
   std::function<void(const std::string&)> show_status;  // the current activity, one line
+  std::function<void(const MonthBegun&)> show_month;
+  // Of the logs of the month, archives as they lie there; `file` is the one being read.
+  std::function<void(const std::string& file, std::uint64_t done, std::uint64_t all)>
+      show_bytes_read;
   std::function<void(int done, int all)> show_months_done;
   std::function<void()> process_pending_events;  // lets the windows react
   std::function<void()> stay_responsive;         // the same, called often and in mid-work
@@ -40,6 +50,7 @@ struct RunState {
   bool BatchMode = false;        // unattended: no box, no status label
   bool CatchUpMode = false;      // regenerate the pages of the last year
   bool LogTranslations = false;  // diagnostic entries in the event log
+  bool Quiet = false;            // no progress at a terminal
   bool OnDemandMode = false;     // a day range of one month under a typed name
   std::string SiteName;          // the section of the site in use; "INI" once settings are loaded
   std::string ReportName;        // base name of an on-demand page

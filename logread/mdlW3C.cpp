@@ -1,14 +1,18 @@
 #include "logread/mdlW3C.h"
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "config/calendar.h"
+#include "config/log_files.h"
 #include "config/mdlConfigs.h"
 #include "config/number_text.h"
 #include "config/text.h"
 #include "logread/line_reader.h"
+#include "logread/log_input.h"
 #include "logread/mdlTZ.h"
 #include "logread/record_parser.h"
 #include "platform/file_system.h"
@@ -21,7 +25,7 @@ namespace mdlW3C {
 namespace {
 
 constexpr std::string_view kPrefixes[] = {"ex", "u_ex"};
-constexpr std::string_view kLogSuffix = ".log";
+constexpr std::size_t kSuffix = 4;        // ".log"
 constexpr std::size_t kDayAndSuffix = 6;  // two day digits and ".log"
 constexpr calendar::Date kDateSerialZero = {1899, 12, 30};
 
@@ -44,8 +48,9 @@ std::string MonthDigits(int year, int month) { return YearDigits(year) + text::T
 bool ProcessFile(const std::string& name, const PeriodArguments& period) {
   const std::string& folder = mdlConfigs::Run().Settings.LogDir;
   mdlConfigs::ShowStatus("Reading " + name);
+  const std::string_view plain_name = log_files::PlainName(name);
   const std::string stem =
-      platform::JoinPath(folder, std::string_view(name).substr(0, name.size() - kDayAndSuffix));
+      platform::JoinPath(folder, plain_name.substr(0, plain_name.size() - kDayAndSuffix));
   ReadLogFile(platform::JoinPath(folder, name), period.firstDay, period.lastDay, period.month,
               period.year, stem);
   return !QuitRequested();
@@ -53,7 +58,7 @@ bool ProcessFile(const std::string& name, const PeriodArguments& period) {
 
 // The log files whose names begin with `stem`, a prefix and the digits of a month.
 std::vector<std::string> FilesOfMonth(const std::string& stem) {
-  return platform::TheFileSystem().ListFiles(mdlConfigs::Run().Settings.LogDir, stem, kLogSuffix);
+  return log_files::List(mdlConfigs::Run().Settings.LogDir, stem);
 }
 
 // The log file whose name is `stem`, a prefix and the digits of a day: one at most, of several
@@ -61,42 +66,44 @@ std::vector<std::string> FilesOfMonth(const std::string& stem) {
 std::vector<std::string> FileOfDay(const std::string& stem) {
   std::vector<std::string> names = FilesOfMonth(stem);
   std::erase_if(names, [&](const std::string& name) {
-    return name.size() != stem.size() + kLogSuffix.size();
+    return log_files::PlainName(name).size() != stem.size() + kSuffix;
   });
   if (names.size() > 1) names.resize(1);
   return names;
 }
 
-// Reads what `files_of` finds for each prefix and the digits.
+// Adds what `files_of` finds for each prefix and the digits.
 template <class FilesOf>
-bool ReadFiles(FilesOf files_of, const std::string& digits, const PeriodArguments& period) {
+void AddFiles(FilesOf files_of, const std::string& digits, std::vector<std::string>& names) {
   for (const std::string_view prefix : kPrefixes) {
-    for (const std::string& name : files_of(std::string(prefix) + digits)) {
-      if (!ProcessFile(name, period)) return false;
+    for (std::string& name : files_of(std::string(prefix) + digits)) {
+      names.push_back(std::move(name));
     }
   }
-  return true;
 }
 
-bool ReadNeighbourDay(const calendar::Date& date, const PeriodArguments& period) {
-  return ReadFiles(FileOfDay, MonthDigits(date.year, date.month) + text::TwoDigits(date.day),
-                   period);
+void AddNeighbourDay(const calendar::Date& date, std::vector<std::string>& names) {
+  AddFiles(FileOfDay, MonthDigits(date.year, date.month) + text::TwoDigits(date.day), names);
 }
 
-bool ReadMonthFiles(const PeriodArguments& period) {
-  return ReadFiles(FilesOfMonth, MonthDigits(period.year, period.month), period);
-}
-
-// East of UTC the month begins in the log of the day before it, elsewhere it ends in the log of
-// the day after it.
-bool ReadAllFiles(const PeriodArguments& period) {
+// The names of the files to read, in order. East of UTC the month begins in the log of the day
+// before it, elsewhere it ends in the log of the day after it.
+std::vector<std::string> FilesToRead(const PeriodArguments& period) {
   const ReadingState& reading = Reading();
   const bool east = reading.offset_hours < 0 || reading.offset_minutes < 0;
-  if (east && !ReadNeighbourDay(calendar::AddDays({period.year, period.month, 1}, -1), period)) {
-    return false;
-  }
-  if (!ReadMonthFiles(period)) return false;
-  return east || ReadNeighbourDay(calendar::AddDays({period.year, period.month + 1, 1}, 0), period);
+  std::vector<std::string> names;
+  if (east) AddNeighbourDay(calendar::AddDays({period.year, period.month, 1}, -1), names);
+  AddFiles(FilesOfMonth, MonthDigits(period.year, period.month), names);
+  if (!east) AddNeighbourDay(calendar::AddDays({period.year, period.month + 1, 1}, 0), names);
+  return names;
+}
+
+// False when the user asked to quit.
+bool ReadAllFiles(const PeriodArguments& period) {
+  const std::vector<std::string> names = FilesToRead(period);
+  log_input::BeginMonth(mdlConfigs::Run().Settings.LogDir, names);
+  return std::ranges::all_of(
+      names, [&period](const std::string& name) { return ProcessFile(name, period); });
 }
 
 void SetZoneOffset() {
@@ -185,8 +192,7 @@ void ReadLogFile(const std::string& path, std::int16_t firstDay, std::int16_t la
   static logread::LineReader lines;  // its buffer serves every file
   Reading().file_date = DateInName(path, stem);
   int error = 0;
-  const std::unique_ptr<platform::InputFile> file =
-      platform::TheFileSystem().OpenForReading(path, &error);
+  const std::unique_ptr<platform::InputFile> file = log_input::Open(path, &error);
   if (!file) return LogFileError("Error on open of  ", path, error);
   if (const auto& pump = mdlConfigs::Run().Ui.process_pending_events) pump();
   PrepareFields();

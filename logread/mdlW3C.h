@@ -24,7 +24,8 @@ using HistorySink = std::function<void(const stats::HistoryRow&)>;
 void ReadMonthLogs(std::int16_t firstDay, std::int16_t lastDay, std::int16_t month,
                    std::int16_t year, const HistorySink& add_history_row);
 
-// Reads one file. `stem` is the full path less its last six characters (two day digits, ".log").
+// Reads one file. `stem` is the full path less its last six characters (two day digits, ".log"; for
+// an archive those before ".gz").
 void ReadLogFile(const std::string& path, std::int16_t firstDay, std::int16_t lastDay,
                  std::int16_t month, std::int16_t year, const std::string& stem);
 

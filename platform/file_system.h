@@ -1,13 +1,14 @@
 // Folders, log files being read and report files being replaced.
 //
 // Paths are byte strings (on Windows UTF-8, the process's active code page). Error codes are the
-// operating system's own (errno, GetLastError) or one of the two below; 0 is success.
+// operating system's own (errno, GetLastError) or one of those below; 0 is success.
 // `mod_systemInfo::GetErrorText` turns one into a sentence.
 #ifndef HITWICK_PLATFORM_FILE_SYSTEM_H_
 #define HITWICK_PLATFORM_FILE_SYSTEM_H_
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,6 +20,7 @@ namespace platform {
 // Errors that no system has a number for. (Windows leaves those with bit 29 to programs.)
 inline constexpr int kForeignLinkError = 0x20000001;  // a link of another user's leads to the file
 inline constexpr int kLockBusyError = 0x20000002;     // somebody else held a lock all the time
+inline constexpr int kDamagedArchiveError = 0x20000003;
 
 // How long anybody waits for a lock that another process holds.
 inline constexpr std::chrono::seconds kLockPatience{30};
@@ -68,6 +70,8 @@ class FileSystem {
   // Creates one folder in an existing one. Returns an error code; a name that is already taken is
   // an error.
   virtual int CreateFolder(const std::string& path) = 0;
+  // The size of a file in bytes; 0 when there is no such file or it cannot be told.
+  virtual std::uint64_t FileSize(const std::string& path) = 0;
   // Opens an existing file. Null with `*error` set when it cannot be opened; folders, pipes and
   // devices cannot.
   virtual std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) = 0;

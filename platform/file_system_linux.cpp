@@ -108,6 +108,11 @@ class PosixFileSystem : public FileSystem {
     return mkdir(path.c_str(), kAllTheUserAllows) == 0 ? 0 : errno;
   }
 
+  std::uint64_t FileSize(const std::string& path) override {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+  }
+
   std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) override {
     // Without O_NONBLOCK a pipe that nobody writes to would stop the run.
     Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));

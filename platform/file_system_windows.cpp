@@ -296,6 +296,12 @@ class SystemFiles : public FileSystem {
     return CreateDirectoryW(SystemPath(path).c_str(), nullptr) ? 0 : LastError();
   }
 
+  std::uint64_t FileSize(const std::string& path) override {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(SystemPath(path).c_str(), GetFileExInfoStandard, &data)) return 0;
+    return static_cast<std::uint64_t>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+  }
+
   std::unique_ptr<InputFile> OpenForReading(const std::string& path, int* error) override {
     Handle file(CreateFileW(SystemPath(path).c_str(), GENERIC_READ, kShareAll, nullptr,
                             OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));

@@ -22,6 +22,7 @@ std::string GetErrorText(std::int32_t code) {
     return "A symbolic link on the way belongs to another user";
   }
   if (code == platform::kLockBusyError) return "Another process has held the lock all the time";
+  if (code == platform::kDamagedArchiveError) return "The archive is damaged or cut off";
   return SystemErrorText(code);
 }
 

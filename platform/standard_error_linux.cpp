@@ -1,7 +1,5 @@
 #include <unistd.h>
 
-#include <string>
-
 #include "platform/descriptor_linux.h"
 #include "platform/standard_error.h"
 
@@ -9,9 +7,9 @@ namespace platform {
 
 bool StandardErrorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
 
-void WriteStandardError(std::string_view text) {
+void WriteToStandardError(std::string_view bytes) {
   // Where standard error is full or gone there is no other place to say so.
-  static_cast<void>(WriteAll(STDERR_FILENO, std::string(text) + "\n"));
+  static_cast<void>(WriteAll(STDERR_FILENO, bytes));
 }
 
 }  // namespace platform

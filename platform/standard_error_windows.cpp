@@ -12,15 +12,14 @@ bool StandardErrorIsTerminal() {
   return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
 }
 
-void WriteStandardError(std::string_view text) {
+void WriteToStandardError(std::string_view bytes) {
   const HANDLE standard_error = GetStdHandle(STD_ERROR_HANDLE);
   DWORD written = 0;
   if (StandardErrorIsTerminal()) {
-    const std::wstring line = ToUtf16(text) + L"\r\n";
-    WriteConsoleW(standard_error, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    const std::wstring text = ToUtf16(bytes);
+    WriteConsoleW(standard_error, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
   } else {
-    const std::string line = std::string(text) + "\n";
-    WriteFile(standard_error, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    WriteFile(standard_error, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -78,6 +79,8 @@ class FakeFileSystem : public platform::FileSystem {
     AddFolder(path);
     return 0;
   }
+
+  std::uint64_t FileSize(const std::string& path) override { return Content(path).size(); }
 
   std::unique_ptr<platform::InputFile> OpenForReading(const std::string& path,
                                                       int* error) override {
