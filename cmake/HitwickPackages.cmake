@@ -57,7 +57,7 @@ endif()
 # packages of a system only, which are built below another root.
 install(CODE "if(DEFINED ENV{DESTDIR})
   file(INSTALL \"${PROJECT_SOURCE_DIR}/packaging/linux/settings.ini\"
-    DESTINATION \"\$ENV{DESTDIR}/etc/hitwick\")
+    DESTINATION /etc/hitwick)
 endif()")
 
 set(CPACK_PACKAGE_NAME ${package})

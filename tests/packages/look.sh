@@ -31,7 +31,7 @@ for package in "$full" "$server"; do
   lintian --allow-root --fail-on error "$package" || fail "lintian refuses $package"
   holds "$package" usr/bin/hitwick usr/share/man/man1/hitwick.1.gz usr/share/hitwick/index.htm \
     usr/share/hitwick/images/month.png usr/share/bash-completion/completions/hitwick \
-    lib/systemd/system/hitwick@.service lib/systemd/system/hitwick@.timer \
+    usr/lib/systemd/system/hitwick@.service usr/lib/systemd/system/hitwick@.timer \
     usr/lib/sysusers.d/hitwick.conf etc/hitwick/settings.ini \
     "usr/share/doc/$name/examples/settings.ini" "usr/share/doc/$name/copyright"
   [ "$(dpkg-deb --ctrl-tarfile "$package" | tar xO ./conffiles)" = /etc/hitwick/settings.ini ] ||

@@ -15,10 +15,11 @@ root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 dpkg-deb -x "$(echo "$1"/hitwick-server_*.deb)" "$root"
 # The targets that the units name are systemd's own.
-mkdir -p "$root/usr/lib/systemd/system" "$root/etc/systemd/system"
-cp /lib/systemd/system/*.target /lib/systemd/system/*.slice "$root/lib/systemd/system/"
-cp "$root/lib/systemd/system/hitwick@.service" "$root/lib/systemd/system/hitwick@web1.service"
-cp "$root/lib/systemd/system/hitwick@.timer" "$root/lib/systemd/system/hitwick@web1.timer"
+units=$root/usr/lib/systemd/system
+mkdir -p "$root/etc/systemd/system"
+cp /lib/systemd/system/*.target /lib/systemd/system/*.slice "$units/"
+cp "$units/hitwick@.service" "$units/hitwick@web1.service"
+cp "$units/hitwick@.timer" "$units/hitwick@web1.timer"
 
 for unit in hitwick@web1.service hitwick@web1.timer; do
   said=$(SYSTEMD_LOG_LEVEL=warning systemd-analyze --root="$root" --man=no verify "$unit" 2>&1) ||
