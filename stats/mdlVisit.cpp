@@ -188,6 +188,7 @@ void ReportTrackingError(const std::string& description) {
   mdlConfigs::LogWarning("Error tracking visit : " + description);
 }
 
+// Once memory has run out the month gets no page, so nobody needs a warning for each visit.
 void AddPagesOfClosedVisits() {
   for (const ClosedVisit& visit : state.closed) {
     PrefetchVisitRow(visit.entry_uri);
@@ -195,6 +196,7 @@ void AddPagesOfClosedVisits() {
   }
   mdlMonth::VisitTables& tables = mdlMonth::Month().Visits;
   for (const ClosedVisit& visit : state.closed) {
+    if (stats::CountsAreLost()) break;
     AddVisitPage(visit.entry_uri, tables.AllEntry, tables.NonRobotEntry, visit.robot);
     AddVisitPage(visit.exit_uri, tables.AllExit, tables.NonRobotExit, visit.robot);
   }
@@ -207,7 +209,7 @@ void CloseVisit(std::int16_t slot) {
 }
 
 void CloseAllVisits() {
-  for (std::int16_t slot = 0; slot < state.slots.Count(); ++slot) {
+  for (std::int16_t slot = 0; slot < state.slots.Count() && !stats::CountsAreLost(); ++slot) {
     if (state.slots.InUse(slot)) EndVisit(slot);
   }
   AddPagesOfClosedVisits();

@@ -14,7 +14,8 @@ namespace fuzz {
 using CsvRecord = std::vector<std::string>;
 
 // The records of a table; ends the process when it is none: a text is in quotes, those inside it
-// doubled, a number is plain, every record has as many fields as the first and ends with CR LF.
+// doubled, a number is plain, every record ends with CR LF and, but in the summary, whose rows
+// differ in kind, has as many fields as the first.
 class CsvCheck {
  public:
   static std::vector<CsvRecord> Read(std::string_view content, std::string_view name) {
@@ -22,6 +23,7 @@ class CsvCheck {
     std::vector<CsvRecord> records;
     while (check.at_ < content.size()) records.push_back(check.Record());
     Expect(!records.empty(), "a table has a header", name);
+    if (name.ends_with("-Summary.csv")) return records;
     for (const CsvRecord& record : records) {
       Expect(record.size() == records[0].size(), "records have the header's columns", name);
     }

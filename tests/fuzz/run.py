@@ -3,7 +3,7 @@
 
     run.py --build FOLDER [--seconds 60] [--target NAME]... [--keep]
 
-Each starts from the inputs that are kept in tests/fuzz/corpus and from what earlier runs of the
+With --seconds 0 a target only meets the inputs that there are. Each starts from the inputs that are kept in tests/fuzz/corpus and from what earlier runs of the
 build have found. An input for which something does not hold stays in the build's folder
 `fuzz-failures`. --keep copies the fewest inputs that reach all that was reached, and that are
 small, into tests/fuzz/corpus.
@@ -48,13 +48,18 @@ def command(build, target, options):
             "-timeout=%d" % LONGEST_SECONDS, "-rss_limit_mb=%d" % MOST_MEGABYTES, "-entropic=0", *found, *options]
 
 
+def how_long(seconds):
+    """0: nothing but the inputs that there are."""
+    return ["-max_total_time=%d" % seconds] if seconds > 0 else ["-runs=0"]
+
+
 def fuzz(build, target, seconds):
     """Whether all held, and the line to be printed."""
     failures = folder(build, "fuzz-failures")
     log = os.path.join(failures, target + ".log")
     with open(log, "wb") as file:
         process = subprocess.Popen(
-            command(build, target, ["-max_total_time=%d" % seconds, "-print_final_stats=1",
+            command(build, target, [*how_long(seconds), "-print_final_stats=1",
                                     "-artifact_prefix=%s/%s-" % (failures, target),
                                     folder(build, "corpus", target), kept_corpus(target)]),
             stdin=subprocess.DEVNULL, stdout=file, stderr=subprocess.STDOUT)

@@ -82,9 +82,9 @@ class Site {
   // Adds the parts from `first` on as log files.
   void AddLogs(const std::vector<std::string_view>& parts, std::size_t first) {
     east_ = clock.bias_minutes < 0;
-    const std::vector<std::string> names = LogNames(east_);
-    for (std::size_t i = first; i < parts.size() && i - first < names.size(); ++i) {
-      files.AddFile(platform::JoinPath("logs", names[i - first]), parts[i]);
+    const std::vector<std::string> logs = LogNames(east_);
+    for (std::size_t i = first; i < parts.size() && i - first < logs.size(); ++i) {
+      files.AddFile(platform::JoinPath("logs", logs[i - first]), parts[i]);
     }
   }
 
