@@ -5,6 +5,7 @@
 //     FAILING_ONCE=1        only the N-th
 //     FAILING_COUNT=FILE    at the end, the number of calls goes there
 //     FAILING_VANISH=PATH   that file is removed when it is about to be opened
+//     FAILING_CREATED=FILE  what is created goes there, a line each: flags, a blank, the path
 //
 // Counted are the calls that may need room: creating a file, writing, syncing, renaming.
 #include <dlfcn.h>
@@ -47,6 +48,15 @@ void TakeAway(const char* path) {
   if (vanishing != nullptr && std::strcmp(path, vanishing) == 0) unlink(path);
 }
 
+void TellCreated(const char* path, int flags) {
+  const char* const list = std::getenv("FAILING_CREATED");
+  if (list == nullptr) return;
+  if (std::FILE* const file = std::fopen(list, "a")) {
+    std::fprintf(file, "%d %s\n", flags, path);
+    std::fclose(file);
+  }
+}
+
 __attribute__((destructor)) void TellCount() {
   const char* const path = std::getenv("FAILING_COUNT");
   if (path == nullptr) return;
@@ -67,6 +77,7 @@ int open(const char* path, int flags, ...) {
     va_start(more, flags);
     mode = va_arg(more, mode_t);
     va_end(more);
+    TellCreated(path, flags);
     if (HasToFail()) return -1;
   }
   TakeAway(path);
