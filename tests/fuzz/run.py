@@ -3,10 +3,10 @@
 
     run.py --build FOLDER [--seconds 60] [--target NAME]... [--keep]
 
-With --seconds 0 a target only meets the inputs that there are. Each starts from the inputs that are kept in tests/fuzz/corpus and from what earlier runs of the
-build have found. An input for which something does not hold stays in the build's folder
-`fuzz-failures`. --keep copies the fewest inputs that reach all that was reached, and that are
-small, into tests/fuzz/corpus.
+Each starts from the inputs that are kept in tests/fuzz/corpus and from what earlier runs of the
+build have found; with --seconds 0 it meets these and no others. An input for which something does
+not hold stays in the build's folder `fuzz-failures`. --keep copies the fewest inputs that reach all
+that was reached, and that are small, into tests/fuzz/corpus.
 """
 
 import argparse
