@@ -66,12 +66,17 @@ class FaultTest(ProgramTest):
                              {"settings.ini", "settings.ini.lock"})
 
     def assertOldOrNew(self, old, new):
-        """Each file is whole; returns the names of the new ones."""
+        """Each file is whole; returns the names of the new ones. A catch-up run writes two years'
+        January, one after the other, under the same name."""
         found = self.box.usage_files()
         renewed = set()
         for name in set(old) | set(new):
             if name in new and found.get(name) == new[name]:
                 renewed.add(name)
+            elif self.SWITCHES == ("/C",) and name == "Jan.htm" and found[name] != old[name]:
+                self.assertIn(b"<title>Usage statistics for", found[name])
+                self.assertIn(b" - January 2025</title>", found[name])
+                self.assertTrue(found[name].endswith(b"</body></html>\r\n"))
             else:
                 self.assertEqual(found.get(name), old.get(name), name)
         self.assertIn(self.settings(), (self.first_settings, self.new_settings))
