@@ -48,11 +48,14 @@ void LineReader::Start(platform::InputFile& file) {
 }
 
 bool LineReader::NextBlock() {
+  if (file_ == nullptr) return false;
   MoveRestToFront();
   std::size_t got = 0;
   const std::size_t room = kLongestLine + block_size_ - end_;
   error_ = file_->Read(buffer_.data() + end_, std::min(block_size_, room), &got);
   if (error_ != 0 || got == 0) {
+    // The end is final, even if the log grows meanwhile: the rest is handed out as a line.
+    file_ = nullptr;
     take_rest_ = error_ == 0 && begin_ != end_;
     return take_rest_;
   }

@@ -1,9 +1,15 @@
 // The lines of a log file, seen through the records that come of them.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <iterator>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "logread/line_reader.h"
 #include "logread/reader_fixture.h"
+#include "platform/file_system.h"
 
 namespace {
 
@@ -50,6 +56,36 @@ TEST_F(ReadingLoop, EmptyLinesAreSkipped) {
 }
 
 TEST_F(ReadingLoop, EmptyFile) { EXPECT_EQ(UrlsOf(""), List{}); }
+
+// A log to which the web server adds a line between the moment in which its end was seen and the
+// next look.
+class GrowingLog : public platform::InputFile {
+ public:
+  int Read(char* buffer, std::size_t, std::size_t* got) override {
+    const std::string_view piece = kPieces[next_];
+    next_ = (next_ + 1) % std::size(kPieces);
+    piece.copy(buffer, piece.size());
+    *got = piece.size();
+    return 0;
+  }
+
+ private:
+  static constexpr std::string_view kPieces[] = {"a /1\na b c /2 and no", "", " end\na /3\n", ""};
+  std::size_t next_ = 0;
+};
+
+TEST(LineReaderTest, TheEndIsFinal) {
+  GrowingLog log;
+  logread::LineReader reader;
+  reader.Start(log);
+  std::vector<std::string> lines;
+  logread::Line line;
+  while (reader.NextBlock()) {
+    while (reader.Next(&line)) lines.emplace_back(line.text);
+  }
+  EXPECT_EQ(lines, (std::vector<std::string>{"a /1", "a b c /2 and no"}));
+  EXPECT_FALSE(reader.NextBlock());
+}
 
 // The day of the "date" field outlives its line, so a line that reaches the parser without one
 // shows in the next record.
