@@ -3,6 +3,7 @@
 ;   VERSION   of the program, three numbers
 ;   LISTS     a file with the macros InstallFiles and RemoveFiles
 ;   LICENCE   the text to show
+;   SIDE      the picture beside the first and the last page
 ;   OUTPUT    the setup to write
 ;   PATIENCE  how many seconds a silent setup waits for a running program to end (default: 60)
 ;
@@ -58,12 +59,14 @@ Var Scope     ; whom it is installed for, in words
 
 !define MUI_ICON "${__FILEDIR__}\hitwick.ico"
 !define MUI_UNICON "${__FILEDIR__}\hitwick.ico"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${SIDE}"
 !define MUI_WELCOMEPAGE_TITLE "Hitwick ${VERSION}"
 !define MUI_WELCOMEPAGE_TEXT "Hitwick turns the logs of an IIS web server into pages of usage \
 statistics.$\r$\n$\r$\n$Scope"
 !define MUI_FINISHPAGE_TITLE "Hitwick is installed"
 !define MUI_FINISHPAGE_TEXT "You find it in the Start menu; $\"Hitwick - choose site$\" is for those \
 who report more than one site.$\r$\n$\r$\n$Scope"
+!define MUI_FINISHPAGE_TEXT_LARGE
 !define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\index.htm"
 !define MUI_FINISHPAGE_SHOWREADME_TEXT "Show the help page"
 !insertmacro MUI_PAGE_WELCOME

@@ -86,6 +86,16 @@ def icon():
     return directory + b"".join(images)
 
 
+def side_picture():
+    """A bitmap of 164 by 314 pixels for the side of the setup's first and last page."""
+    width, height = 164, 314
+    shape = dict(left=18, width=36, step=46, bottom=0, heights=(70, 170, 120))
+    pixels = b"".join(bytes(reversed(colour(x, y, height, shape)))
+                      for y in range(height) for x in range(width))
+    return (struct.pack("<2sIII", b"BM", 54 + len(pixels), 0, 54)
+            + struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, 0, 0, 0, 0, 0) + pixels)
+
+
 def main(target="hitwick.ico", folder=None):
     pathlib.Path(target).write_bytes(icon())
     if folder:

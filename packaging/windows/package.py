@@ -16,6 +16,8 @@ import tempfile
 import time
 import zipfile
 
+import make_icon
+
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parents[1]
 HELP = ROOT / "docs/help"  # the help page and what it shows
@@ -75,10 +77,11 @@ def lists_of(stage):
 
 def make_setup(stage, version, target, **defines):
     """Makes the setup of what lies in `stage`; `defines` are those of the script."""
-    with tempfile.NamedTemporaryFile("w", suffix=".nsh", encoding="utf-8") as lists:
-        lists.write(lists_of(stage))
-        lists.flush()
-        defines = {"VERSION": version, "LISTS": lists.name, "OUTPUT": target.resolve(),
+    with tempfile.TemporaryDirectory(prefix="hitwick-setup-") as folder:
+        lists, side = pathlib.Path(folder, "lists.nsh"), pathlib.Path(folder, "side.bmp")
+        lists.write_text(lists_of(stage), encoding="utf-8")
+        side.write_bytes(make_icon.side_picture())
+        defines = {"VERSION": version, "LISTS": lists, "SIDE": side, "OUTPUT": target.resolve(),
                    "LICENCE": stage / "LICENSE.txt", **defines}
         run("makensis", "-V2", "-WX", "-INPUTCHARSET", "UTF8",
             *(f"-D{name}={value}" for name, value in defines.items()), HERE / "hitwick.nsi")
