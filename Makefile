@@ -4,7 +4,7 @@
 SERVER_PACKAGES = g++ cmake ninja-build zlib1g-dev
 BUILD_PACKAGES = $(SERVER_PACKAGES) libwxgtk3.2-dev libgtk-3-dev pkg-config
 SERVER_TEST_PACKAGES = $(SERVER_PACKAGES) libgtest-dev libgmock-dev python3 faketime tzdata \
-  libxml2-utils cron locales chromium chromium-driver
+  libxml2-utils cron locales chromium chromium-driver man-db
 # What tells the tests of the windows what is on the screen, and clicks and types for them.
 UI_TEST_PACKAGES = xvfb xauth openbox xdotool dbus-daemon at-spi2-core gir1.2-atspi-2.0 \
   python3-gi imagemagick locales cron
