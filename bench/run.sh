@@ -1,11 +1,14 @@
 #!/bin/sh
-# Measures the release program: whole runs beside `wc -l`, then the stages and structures apart.
+# Measures the release program: beside the other log analysers that are installed, whole runs
+# beside `wc -l`, then the stages and structures apart.
 # Usage: bench/run.sh BUILD-FOLDER [LINES]
 set -eu
 
 build=$1
 lines=${2:-4000000}
 here=$(dirname "$0")
+
+python3 "$here/rivals.py" --build "$build"
 
 python3 "$here/whole_runs.py" --build "$build" --lines "$lines"
 
