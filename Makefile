@@ -81,14 +81,14 @@ test-faults:
 
 fuzz: fuzz-fast
 	cmake --preset fuzz $(CONFIGURE)
-	cmake --build --preset fuzz
+	cmake --build --preset fuzz --target fuzz_targets
 	tests/fuzz/run.py --build build/fuzz --seconds $(FUZZ_SECONDS)
 
 # Without the sanitizers: several times as many inputs.
 fuzz-fast:
 	tools/need.sh $(FUZZ_PACKAGES)
 	cmake --preset fuzz-fast $(CONFIGURE)
-	cmake --build --preset fuzz-fast
+	cmake --build --preset fuzz-fast --target fuzz_targets
 	tests/fuzz/run.py --build build/fuzz-fast --seconds $(FUZZ_SECONDS)
 
 # Do the tests notice a small change of the program? An hour and more.
