@@ -68,6 +68,7 @@ void Describe(wxWindow* control, const ControlText& text) {
 
 wxStaticText* NewLabel(wxWindow* parent, const ControlText& text, char mnemonic) {
   auto* const label = new wxStaticText(parent, wxID_ANY, WithMnemonic(text.caption, mnemonic));
+  GiveRoom(label);
   Describe(label, text);
   return label;
 }

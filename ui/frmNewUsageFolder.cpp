@@ -33,7 +33,8 @@ frmNewUsageFolder::frmNewUsageFolder(wxWindow* parent, std::string folder)
   rows->AddStretchSpacer();
   rows->Add(ui::ButtonRow(this, {create, quit}), ui::ButtonRowFlags(this));
   txtNewUsageFolder->SetFocus();
-  txtNewUsageFolder->SelectAll();
+  // Once the window is there: Windows forgets what was selected before.
+  txtNewUsageFolder->CallAfter([this] { txtNewUsageFolder->SelectAll(); });
   ui::FinishWindow(this, rows, "frmNewUsageFolder");
 }
 

@@ -4,6 +4,7 @@
 
 #include <wx/event.h>
 #include <wx/listbox.h>
+#include <wx/stattext.h>
 #include <wx/toplevel.h>
 
 #include <functional>
@@ -15,6 +16,9 @@ void PrepareToolkit();
 
 // The program's icon for a window, where the desktop does not give it one by itself.
 void GiveIcon(wxTopLevelWindow* window);
+
+// Room for the whole text of a label, where the toolkit measures it too tightly.
+void GiveRoom(wxStaticText* label);
 
 // True for a key that asks for the menu of the control with the keyboard, where the toolkit does
 // not make a wxContextMenuEvent of it by itself.

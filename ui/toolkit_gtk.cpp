@@ -35,6 +35,8 @@ void PrepareToolkit() {
 
 void GiveIcon(wxTopLevelWindow* /*window*/) {}
 
+void GiveRoom(wxStaticText* /*label*/) {}
+
 bool IsMenuKey(const wxKeyEvent& event) {
   const int key = event.GetKeyCode();
   return key == WXK_MENU || key == WXK_WINDOWS_MENU || (key == WXK_F10 && event.ShiftDown());

@@ -9,6 +9,8 @@
 namespace ui {
 namespace {
 
+constexpr int kLabelRoom = 4;
+
 // The picture of the program's icon that the system wants at this size.
 wxIcon ProgramIcon(int width_metric, int height_metric) {
   const HANDLE picture =
@@ -30,6 +32,11 @@ void GiveIcon(wxTopLevelWindow* window) {
     if (icon.IsOk()) icons.AddIcon(icon);
   }
   window->SetIcons(icons);
+}
+
+// With some fonts the last letter is drawn beyond the width that was measured.
+void GiveRoom(wxStaticText* label) {
+  label->SetMinSize(label->GetBestSize() + label->FromDIP(wxSize(kLabelRoom, 0)));
 }
 
 bool IsMenuKey(const wxKeyEvent& /*event*/) { return false; }
