@@ -10,10 +10,14 @@ UI_TEST_PACKAGES = xvfb xauth openbox xdotool dbus-daemon at-spi2-core gir1.2-at
   python3-gi imagemagick locales cron
 TEST_PACKAGES = $(BUILD_PACKAGES) $(SERVER_TEST_PACKAGES) $(UI_TEST_PACKAGES)
 BENCH_PACKAGES = $(SERVER_PACKAGES) libbenchmark-dev python3
-WINDOWS_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
-WINE_PACKAGES = $(WINDOWS_PACKAGES) $(SERVER_TEST_PACKAGES) googletest wine wine64
+WINDOWS_SERVER_PACKAGES = cmake ninja-build g++-mingw-w64-x86-64-posix libz-mingw-w64-dev
+# The source of the windows' toolkit is built once.
+WINDOWS_PACKAGES = $(WINDOWS_SERVER_PACKAGES) dpkg-dev
+WINE_PACKAGES = $(WINDOWS_SERVER_PACKAGES) $(SERVER_TEST_PACKAGES) googletest wine wine64
+WINE_GUI_PACKAGES = $(WINDOWS_PACKAGES) $(WINE_PACKAGES) xvfb openbox xdotool dbus-daemon \
+  imagemagick
 FUZZ_PACKAGES = clang libclang-rt-dev cmake ninja-build python3
-SETUP_PACKAGES = $(WINDOWS_PACKAGES) nsis python3
+SETUP_PACKAGES = nsis python3
 PACKAGE_PACKAGES = $(BUILD_PACKAGES) dpkg-dev file
 PACKAGE_TEST_PACKAGES = lintian systemd debootstrap desktop-file-utils
 FORMAT_PACKAGES = clang-format git
@@ -31,8 +35,8 @@ FUZZ_SECONDS = 60
 SOURCES = git ls-files -co --exclude-standard '*.cpp' '*.h'
 
 .PHONY: build server demo picture package test test-server test-asan test-faults test-packages \
-  fuzz fuzz-fast mutants bench windows test-windows package-windows test-package-windows format \
-  check-format tidy clean
+  fuzz fuzz-fast mutants bench windows test-windows test-windows-gui package-windows \
+  test-package-windows format check-format tidy clean
 
 build:
 	tools/need.sh $(BUILD_PACKAGES)
@@ -113,20 +117,37 @@ test-windows:
 	tools/need.sh $(WINE_PACKAGES)
 	cmake --preset server -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
 	cmake --build --preset server --target hitwick sample_logs
+	cmake --preset windows-server -DHITWICK_TESTS=ON $(CONFIGURE)
+	cmake --build --preset windows-server
+	tests/windows/run.sh build/windows-server build/server
+
+# What test-windows leaves out: the build with windows, and the windows themselves.
+test-windows-gui:
+	tools/need.sh $(WINE_GUI_PACKAGES)
+	cmake --preset server -DHITWICK_TESTS=ON -DHITWICK_BENCH=OFF $(CONFIGURE)
+	cmake --build --preset server --target hitwick sample_logs
 	cmake --preset windows-mingw -DHITWICK_TESTS=ON $(CONFIGURE)
-	cmake --build --preset windows-mingw
-	tests/windows/run.sh build/windows-mingw build/server
+	cmake --build --preset windows-mingw --target hitwick HitwickHelper window_reader
+	tests/windows/run_windows.py --windows build/windows-mingw/hitwick.exe \
+	  --linux build/server/hitwick --sample-logs build/server/sample_logs Files
+	tests/windows/gui_test.py --build build/windows-mingw --linux build/server/hitwick \
+	  --shots build/windows-mingw/ui-shots
 
 # The setup and the zip, in build/packages.
 package-windows: windows
 	tools/need.sh $(SETUP_PACKAGES)
 	packaging/windows/package.py build/windows-mingw build/packages
 
-test-package-windows: package-windows
-	tools/need.sh $(WINE_PACKAGES)
-	cmake --preset windows-mingw -DHITWICK_TESTS=ON $(CONFIGURE)
-	cmake --build --preset windows-mingw --target add_task stay
-	tests/windows/package_test.py --build build/windows-mingw --packages build/packages
+# The build whose packages are tested; those of windows-mingw hold the windows.
+WINDOWS_PACKAGED = windows-server
+
+test-package-windows:
+	tools/need.sh $(SETUP_PACKAGES) $(WINE_PACKAGES)
+	cmake --preset $(WINDOWS_PACKAGED) -DHITWICK_TESTS=ON $(CONFIGURE)
+	cmake --build --preset $(WINDOWS_PACKAGED) --target hitwick HitwickHelper add_task stay
+	packaging/windows/package.py build/$(WINDOWS_PACKAGED) build/$(WINDOWS_PACKAGED)/packages
+	tests/windows/package_test.py --build build/$(WINDOWS_PACKAGED) \
+	  --packages build/$(WINDOWS_PACKAGED)/packages
 
 # Debian packages and archives of both programs, with windows and without.
 package:

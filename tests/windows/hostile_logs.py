@@ -2,7 +2,7 @@
 """Runs the Windows and the Linux program on the same hostile logs: exit codes and all files of the
 usage folders have to be the same, byte for byte.
 
-    hostile_logs.py --windows build/windows-mingw/hitwick.exe --linux build/server/hitwick
+    hostile_logs.py --windows build/windows-server/hitwick.exe --linux build/server/hitwick
                     --prefix FOLDER [--first 1] [--count 300]
 
 Logs, settings and rules are those of tests/e2e/fuzz_compare.py, a seed for each run. A seed that

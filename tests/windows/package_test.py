@@ -3,7 +3,8 @@
 
 What was on the disk and in the registry before is compared with what is there afterwards.
 
-    package_test.py --build build/windows-mingw --packages build/packages [unittest options]
+    package_test.py --build build/windows-server --packages build/windows-server/packages
+                    [unittest options]
 """
 
 import argparse

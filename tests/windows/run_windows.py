@@ -5,7 +5,7 @@ Settings go into the registry, runs are started as the daily task starts them, a
 is compared with the golden cases and, for thirteen months of sample logs, with the pages of the
 Linux program for the same logs, settings, date and zone.
 
-    run_windows.py --windows build/windows-mingw/hitwick.exe --linux build/server/hitwick \\
+    run_windows.py --windows build/windows-server/hitwick.exe --linux build/server/hitwick \\
                    --sample-logs build/server/sample_logs [--prefix FOLDER] [unittest options]
 """
 
@@ -31,8 +31,9 @@ from sandbox import SITE_VALUES, Sandbox, ini_text  # noqa: E402
 from wine import Wine, run, windows_path  # noqa: E402
 
 # Parts of Windows itself; anything else would have to be shipped with the program.
-SYSTEM_LIBRARIES = {"ADVAPI32", "COMCTL32", "COMDLG32", "GDI32", "KERNEL32", "MSVCRT", "NETAPI32",
-                    "OLE32", "OLEAUT32", "SHELL32", "USER32", "WS2_32", "WSOCK32"}
+SYSTEM_LIBRARIES = {"ADVAPI32", "COMCTL32", "COMDLG32", "GDI32", "KERNEL32", "MSIMG32", "MSVCRT",
+                    "NETAPI32", "OLE32", "OLEACC", "OLEAUT32", "RPCRT4", "SHELL32", "SHLWAPI",
+                    "USER32", "UXTHEME", "VERSION", "WINMM", "WINSPOOL.DRV", "WS2_32", "WSOCK32"}
 
 # The page's list of filter rules stands in the store's order: that of writing in the settings file
 # from which the golden cases come, that of the names in the registry.
