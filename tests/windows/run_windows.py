@@ -308,7 +308,7 @@ class GoldenCases(unittest.TestCase):
             self.assertFalse(problems, "\n".join(problems))
 
     def test_each_case_gives_the_expected_files(self):
-        version = version_of(str(options.linux)).decode()
+        version = version_of(str(options.linux))
         cases = [case for case in map(Case, case_names()) if self.fits_windows(case)]
         self.assertGreater(len(cases), 30)
         for case in cases:
